@@ -1,0 +1,76 @@
+#pragma once
+
+// Paths, folders and file information.
+//
+// Paths are UTF-8 strings with "/" as separator. No function here throws:
+// failures are reported as false, an empty result or an errno Status.
+
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "melodex/foundation/local_time.h"
+#include "melodex/foundation/status.h"
+#include "melodex/foundation/text.h"
+
+namespace melodex {
+
+// `folder` and `name` with one separator between them; either side may be
+// empty, and an absolute `name` is returned as it is.
+String joinPath(std::string_view folder, std::string_view name);
+
+// "/songs/Amazing Grace.song" gives "Amazing Grace.song".
+String fileNameOf(std::string_view path);
+
+// "/songs/Amazing Grace.song" gives "Amazing Grace".
+String baseNameOf(std::string_view path);
+
+// "/songs/Amazing Grace.song" gives ".song"; empty when there is none.
+String extensionOf(std::string_view path);
+
+// "/songs/Amazing Grace.song" gives "/songs"; empty for a bare name.
+String folderOf(std::string_view path);
+
+bool isAbsolutePath(std::string_view path);
+
+// `path` written relative to `folder` ("../sets/Easter.set"); `path` itself
+// when no relative form exists.
+String relativePath(std::string_view path, std::string_view folder);
+
+// True when `name` can only name an entry directly inside a folder: not
+// empty, no "/" or "\", not "." or "..". Names read from files must pass
+// this before they are joined to a folder that the library writes or
+// deletes in.
+bool isPlainFileName(std::string_view name);
+
+bool fileExists(std::string_view path);    // a regular file (links followed)
+bool folderExists(std::string_view path);  // a directory (links followed)
+
+// Creates the folder and every missing parent; true when it exists after.
+bool createFolders(std::string_view path);
+
+// Removes a file; 0 or the errno value.
+Status removeFile(std::string_view path);
+
+// The file's last modification time in local time at whole seconds.
+std::optional<LocalTime> fileModificationTime(std::string_view path);
+
+struct FolderItem {
+    String name;  // without folder
+    bool isFolder = false;
+    bool isFile = false;
+};
+
+// The items of a folder (not "." and ".."), sorted by name so that results
+// do not depend on the file system; nullopt when it cannot be opened.
+std::optional<std::vector<FolderItem>> listFolder(std::string_view path);
+
+// Reads a whole file as bytes; 0 or the errno value.
+[[nodiscard]] Status readFileBytes(std::string_view path, std::string& bytes);
+
+// Replaces the file's contents atomically: the bytes go to a temporary file
+// in the same folder, which is flushed and then renamed over `path`. A
+// failure leaves the old file as it was and returns the errno value.
+[[nodiscard]] Status writeFileAtomically(std::string_view path, std::string_view bytes);
+
+}  // namespace melodex

@@ -1,0 +1,114 @@
+#pragma once
+
+// XML documents for the readers, and escaping for the writers.
+//
+// Writers build XML text by hand (the song formats fix every byte); readers
+// load an XmlFile and walk XmlNode handles. A lookup that finds nothing
+// returns a null XmlNode, on which every call is safe and gives an empty
+// result, so chained reads stay short:
+//
+//     XmlFile file;
+//     if (file.load(path) != StatusSuccess) return;
+//     String title = file.root().findChild("info").findChild("title").text();
+//
+// Names of elements and attributes are matched ignoring case, because the
+// files were written by many programs. load() and loadFromString() accept
+// exactly one well-formed document: text or a second element beside the root
+// element makes them fail with StatusXmlMalformed, so that plain text that
+// merely begins with an element is not taken for XML.
+
+#include <memory>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "melodex/foundation/status.h"
+#include "melodex/foundation/text.h"
+
+namespace pugi {
+struct xml_node_struct;
+class xml_document;
+}  // namespace pugi
+
+namespace melodex {
+
+class XmlNode {
+public:
+    enum class Kind { Null, Element, Text, Other };
+
+    XmlNode() = default;
+
+    bool isNull() const { return m_node == nullptr; }
+    explicit operator bool() const { return m_node != nullptr; }
+    Kind kind() const;
+    bool isElement() const { return kind() == Kind::Element; }
+    bool isText() const { return kind() == Kind::Text; }  // text or CDATA
+
+    // The element's name as written; empty for other nodes.
+    String name() const;
+
+    // The first child element of that name (ignoring case), or null.
+    XmlNode findChild(std::string_view name) const;
+
+    // Child elements in document order.
+    std::vector<XmlNode> childElements() const;
+
+    // All child nodes (elements, text, others) in document order.
+    XmlNode firstChild() const;
+    XmlNode nextSibling() const;
+
+    // The attribute's value (name ignoring case), or `defaultValue`.
+    String attribute(std::string_view name, std::string_view defaultValue = {}) const;
+    bool hasAttribute(std::string_view name) const;
+    // Every attribute as (name, value), in document order.
+    std::vector<std::pair<String, String>> attributes() const;
+
+    // The text of the whole subtree concatenated, for an element; the node's
+    // own text for a text node.
+    String text() const;
+
+    // The text nodes directly inside the element, concatenated.
+    String directText() const;
+
+    friend bool operator==(const XmlNode&, const XmlNode&) = default;
+
+private:
+    friend class XmlFile;
+    explicit XmlNode(pugi::xml_node_struct* node) : m_node(node) {}
+
+    pugi::xml_node_struct* m_node = nullptr;
+};
+
+class XmlFile {
+public:
+    XmlFile();
+    XmlFile(XmlFile&&) noexcept;
+    XmlFile& operator=(XmlFile&&) noexcept;
+    ~XmlFile();
+
+    // Reads and parses a file, detecting its encoding (UTF-8 with or without
+    // BOM, UTF-16 with BOM or in its "<\0" form, Windows-1252 when the bytes
+    // are not UTF-8). 0; the errno value when it cannot be read;
+    // StatusXmlBase + the parser's code when it does not parse;
+    // StatusXmlMalformed when it is not a single document. A failed load
+    // leaves the document empty.
+    [[nodiscard]] Status load(std::string_view path);
+
+    // The same for text already in memory (UTF-8).
+    [[nodiscard]] Status loadFromString(std::string_view text);
+
+    // The root element, or null when nothing is loaded.
+    XmlNode root() const;
+
+private:
+    [[nodiscard]] Status parse(std::string_view utf8);
+
+    std::unique_ptr<pugi::xml_document> m_document;
+};
+
+struct XmlString {
+    // Escapes "&", "<", ">" and the double quote as entities.
+    static String encode(std::string_view text);
+};
+
+}  // namespace melodex
