@@ -42,6 +42,8 @@ String TempFolder::read(std::string_view name) const {
     return String(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
-String testDataPath(std::string_view name) { return String(MELODEX_TEST_DATA_DIR) + "/" + String(name); }
+String testDataPath(std::string_view name) {
+    return String(MELODEX_TEST_DATA_DIR) + "/" + String(name);
+}
 
 }  // namespace melodex::test

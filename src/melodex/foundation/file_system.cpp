@@ -1,0 +1,219 @@
+#include "melodex/foundation/file_system.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace melodex {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+fs::path toPath(std::string_view path) {
+    return fs::path(std::u8string_view(reinterpret_cast<const char8_t*>(path.data()), path.size()));
+}
+
+String fromPath(const fs::path& path) {
+    const std::u8string text = path.u8string();
+    return String(reinterpret_cast<const char*>(text.data()), text.size());
+}
+
+bool isSeparator(char c) {
+    return c == '/';
+}
+
+// The byte offset where the name part of a path begins.
+std::size_t nameStart(std::string_view path) {
+    const std::size_t slash = path.find_last_of('/');
+    return slash == std::string_view::npos ? 0 : slash + 1;
+}
+
+Status lastError() {
+    return errno != 0 ? Status(errno) : Status(EIO);
+}
+
+// Writes all bytes, riding out short writes and interrupted calls.
+bool writeAll(int fd, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(fd, bytes.data(), bytes.size());
+        if (written < 0) {
+            if (errno == EINTR) continue;
+            return false;
+        }
+        bytes.remove_prefix(std::size_t(written));
+    }
+    return true;
+}
+
+}  // namespace
+
+String joinPath(std::string_view folder, std::string_view name) {
+    if (folder.empty()) return String(name);
+    if (name.empty()) return String(folder);
+    if (isAbsolutePath(name)) return String(name);
+    String path(folder);
+    if (!isSeparator(path.back())) path += '/';
+    path.append(name);
+    return path;
+}
+
+String fileNameOf(std::string_view path) {
+    return String(path.substr(nameStart(path)));
+}
+
+String baseNameOf(std::string_view path) {
+    const std::string_view name = path.substr(nameStart(path));
+    const std::size_t dot = name.find_last_of('.');
+    // A leading dot names a hidden file, not an extension.
+    return String(dot == std::string_view::npos || dot == 0 ? name : name.substr(0, dot));
+}
+
+String extensionOf(std::string_view path) {
+    const std::string_view name = path.substr(nameStart(path));
+    const std::size_t dot = name.find_last_of('.');
+    return dot == std::string_view::npos || dot == 0 ? String() : String(name.substr(dot));
+}
+
+String folderOf(std::string_view path) {
+    const std::size_t slash = path.find_last_of('/');
+    if (slash == std::string_view::npos) return String();
+    if (slash == 0) return "/";
+    return String(path.substr(0, slash));
+}
+
+bool isAbsolutePath(std::string_view path) {
+    return !path.empty() && path.front() == '/';
+}
+
+String relativePath(std::string_view path, std::string_view folder) {
+    if (!isAbsolutePath(path) || !isAbsolutePath(folder)) return String(path);
+    const fs::path relative =
+        toPath(path).lexically_normal().lexically_relative(toPath(folder).lexically_normal());
+    return relative.empty() ? String(path) : fromPath(relative);
+}
+
+bool isPlainFileName(std::string_view name) {
+    return !name.empty() && name != "." && name != ".." &&
+           name.find_first_of("/\\") == std::string_view::npos &&
+           name.find('\0') == std::string_view::npos;
+}
+
+bool fileExists(std::string_view path) {
+    std::error_code error;
+    return !path.empty() && fs::is_regular_file(toPath(path), error);
+}
+
+bool folderExists(std::string_view path) {
+    std::error_code error;
+    return !path.empty() && fs::is_directory(toPath(path), error);
+}
+
+bool createFolders(std::string_view path) {
+    if (path.empty()) return false;
+    std::error_code error;
+    fs::create_directories(toPath(path), error);
+    return folderExists(path);
+}
+
+Status removeFile(std::string_view path) {
+    const String target(path);
+    return ::unlink(target.c_str()) == 0 ? StatusSuccess : lastError();
+}
+
+std::optional<LocalTime> fileModificationTime(std::string_view path) {
+    const String target(path);
+    struct stat info {};
+    if (::stat(target.c_str(), &info) != 0) return std::nullopt;
+    return LocalTime::fromTimeT(info.st_mtime);
+}
+
+std::optional<std::vector<FolderItem>> listFolder(std::string_view path) {
+    std::error_code error;
+    fs::directory_iterator it(toPath(path), error);
+    if (error) return std::nullopt;
+    std::vector<FolderItem> items;
+    for (; it != fs::directory_iterator(); it.increment(error)) {
+        if (error) break;
+        FolderItem item;
+        item.name = fromPath(it->path().filename());
+        std::error_code typeError;
+        item.isFolder = it->is_directory(typeError);
+        item.isFile = !item.isFolder && it->is_regular_file(typeError);
+        items.push_back(std::move(item));
+    }
+    std::sort(items.begin(), items.end(),
+              [](const FolderItem& a, const FolderItem& b) { return a.name < b.name; });
+    return items;
+}
+
+Status readFileBytes(std::string_view path, std::string& bytes) {
+    const String target(path);
+    const int fd = ::open(target.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return lastError();
+    struct stat info {};
+    if (::fstat(fd, &info) != 0 || S_ISDIR(info.st_mode)) {
+        const Status status = S_ISDIR(info.st_mode) ? Status(EISDIR) : lastError();
+        ::close(fd);
+        return status;
+    }
+    std::string data;
+    if (info.st_size > 0) data.reserve(std::size_t(info.st_size));
+    char buffer[65536];
+    for (;;) {
+        const ssize_t got = ::read(fd, buffer, sizeof buffer);
+        if (got < 0) {
+            if (errno == EINTR) continue;
+            const Status status = lastError();
+            ::close(fd);
+            return status;
+        }
+        if (got == 0) break;
+        data.append(buffer, std::size_t(got));
+    }
+    ::close(fd);
+    bytes = std::move(data);
+    return StatusSuccess;
+}
+
+Status writeFileAtomically(std::string_view path, std::string_view bytes) {
+    if (path.empty()) return Status(ENOENT);
+    const String target(path);
+    String folder = folderOf(target);
+    if (folder.empty()) folder = ".";
+    // The temporary file lies beside the target so that the rename stays on
+    // one file system and is atomic; its name starts with a dot so that
+    // folder scans for songs never pick it up.
+    String temporary = joinPath(folder, "." + fileNameOf(target) + ".tmp-XXXXXX");
+    const int fd = ::mkstemp(temporary.data());
+    if (fd < 0) return lastError();
+
+    // mkstemp creates the file readable by its owner only: keep the mode of
+    // the file being replaced, or give a new file the usual 0644.
+    struct stat existing {};
+    const bool replacing = ::stat(target.c_str(), &existing) == 0;
+    ::fchmod(fd, replacing ? (existing.st_mode & 07777) : 0644);
+
+    // Flushing makes the rename safe against power loss: without it a
+    // replaced file could come back empty. A new file has nothing to lose,
+    // and skipping the flush keeps bulk imports of thousands of songs fast.
+    if (!writeAll(fd, bytes) || (replacing && ::fsync(fd) != 0)) {
+        const Status status = lastError();
+        ::close(fd);
+        ::unlink(temporary.c_str());
+        return status;
+    }
+    if (::close(fd) != 0 || ::rename(temporary.c_str(), target.c_str()) != 0) {
+        const Status status = lastError();
+        ::unlink(temporary.c_str());
+        return status;
+    }
+    return StatusSuccess;
+}
+
+}  // namespace melodex
