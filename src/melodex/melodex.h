@@ -14,3 +14,8 @@
 #include "melodex/foundation/uuid.h"
 #include "melodex/foundation/value.h"
 #include "melodex/foundation/xml.h"
+#include "melodex/platform/dialogs.h"
+#include "melodex/platform/headless_dialogs.h"
+#include "melodex/platform/process_launcher.h"
+#include "melodex/platform/settings_store.h"
+#include "melodex/platform/system_info.h"
