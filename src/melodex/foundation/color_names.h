@@ -18,9 +18,15 @@ using Color = unsigned long;
 inline constexpr Color makeColor(unsigned red, unsigned green, unsigned blue) {
     return Color(red & 0xFF) | (Color(green & 0xFF) << 8) | (Color(blue & 0xFF) << 16);
 }
-inline constexpr unsigned redOf(Color color) { return unsigned(color & 0xFF); }
-inline constexpr unsigned greenOf(Color color) { return unsigned((color >> 8) & 0xFF); }
-inline constexpr unsigned blueOf(Color color) { return unsigned((color >> 16) & 0xFF); }
+inline constexpr unsigned redOf(Color color) {
+    return unsigned(color & 0xFF);
+}
+inline constexpr unsigned greenOf(Color color) {
+    return unsigned((color >> 8) & 0xFF);
+}
+inline constexpr unsigned blueOf(Color color) {
+    return unsigned((color >> 16) & 0xFF);
+}
 
 // The colour's name; bits above the 24 colour bits are ignored.
 String getColorName(Color color);

@@ -184,12 +184,12 @@ Status readFileBytes(std::string_view path, std::string& bytes) {
 Status writeFileAtomically(std::string_view path, std::string_view bytes) {
     if (path.empty()) return Status(ENOENT);
     const String target(path);
-    String folder = folderOf(target);
-    if (folder.empty()) folder = ".";
     // The temporary file lies beside the target so that the rename stays on
     // one file system and is atomic; its name starts with a dot so that
     // folder scans for songs never pick it up.
-    String temporary = joinPath(folder, "." + fileNameOf(target) + ".tmp-XXXXXX");
+    String temporaryName(1, '.');
+    temporaryName.append(fileNameOf(target)).append(".tmp-XXXXXX");
+    String temporary = joinPath(folderOf(target), temporaryName);
     const int fd = ::mkstemp(temporary.data());
     if (fd < 0) return lastError();
 

@@ -23,7 +23,12 @@
 // leading double quote) is written in double quotes with backslash escapes
 // (\" \\ \n \r \t), and such a value reads back unchanged. Files are read in
 // UTF-8 (with or without BOM), UTF-16 with BOM or Windows-1252, and written
-// in UTF-8 without BOM.
+// in UTF-8 without BOM, with LF line ends.
+//
+// A section named twice in a file is one section holding the values of
+// both; a value named twice keeps the last text in the place of the first.
+// Names themselves are written as they are: a name holding "=", "]" or a
+// line break, or starting with ";", "#" or "[", does not read back.
 //
 // Lookups by name are hashed, so an index of 10,000 sections finds a section
 // in constant time. A pointer to a section or value stays valid until it is
@@ -94,13 +99,17 @@ public:
     void clear();
 
 private:
+    using ValueIndex =
+        std::unordered_map<String, std::size_t, CaseInsensitiveHash, CaseInsensitiveEqual>;
+
+    std::size_t findIndex(std::string_view name) const;  // getValueCount() when missing
     void rebuildIndex();
 
     String m_name;
     std::vector<ConfigValue> m_values;
     // Built once a section holds enough values for a scan to cost more than
     // a hash (string tables have hundreds; index sections about a dozen).
-    std::unique_ptr<std::unordered_map<String, std::size_t>> m_index;
+    std::unique_ptr<ValueIndex> m_index;
 };
 
 class IniFile {
@@ -117,16 +126,19 @@ public:
     const String& filename() const { return m_filename; }
     void setFilename(String filename) { m_filename = std::move(filename); }
 
-    // Replaces the contents with the file's. On failure (0 or the errno
-    // value of the failed read) the contents are left as they were. Loading
-    // also remembers the path as the file name.
+    // Replaces the contents with the file's; 0 or the errno value of the
+    // failed read. A failed load leaves the object as it was; a successful
+    // one also remembers the path as the file name. An empty file loads as
+    // an empty IniFile.
     [[nodiscard]] Status load(std::string_view path);
     [[nodiscard]] Status load() { return load(m_filename); }
 
-    // Replaces the contents with the text's; never fails.
+    // Replaces the contents with the text's (UTF-8; a leading byte-order
+    // mark is skipped); never fails.
     void loadFromString(std::string_view text);
 
-    // Writes the contents atomically; 0 or the errno value.
+    // Writes the contents atomically; 0 or the errno value. A failed save
+    // leaves the file on disk as it was.
     [[nodiscard]] Status save(std::string_view path) const;
     [[nodiscard]] Status save() const { return save(m_filename); }
 
@@ -148,9 +160,16 @@ public:
     void clear();
 
 private:
+    // Keyed by a view of the section's own name: a section is never renamed
+    // and lives on the heap, so the view stays valid as long as the entry.
+    using KeyIndex =
+        std::unordered_map<std::string_view, ConfigKey*, CaseInsensitiveHash, CaseInsensitiveEqual>;
+
+    void rebuildIndex();
+
     String m_filename;
     std::vector<std::unique_ptr<ConfigKey>> m_keys;
-    std::unordered_map<String, ConfigKey*> m_keysByName;  // case-folded name
+    KeyIndex m_keysByName;
 };
 
 }  // namespace melodex

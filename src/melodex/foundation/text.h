@@ -93,9 +93,7 @@ struct CaseInsensitiveHash {
 };
 struct CaseInsensitiveEqual {
     using is_transparent = void;
-    bool operator()(std::string_view a, std::string_view b) const {
-        return equalsIgnoreCase(a, b);
-    }
+    bool operator()(std::string_view a, std::string_view b) const { return equalsIgnoreCase(a, b); }
 };
 struct CaseInsensitiveLess {
     using is_transparent = void;

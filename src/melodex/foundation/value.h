@@ -26,8 +26,8 @@ public:
     Value(bool flag) : m_text(flag ? "1" : "0") {}
     Value(double number);
     template <std::integral T>
-        requires(!std::same_as<T, bool> && !std::same_as<T, char>)
-    Value(T number) : m_text(std::to_string(number)) {}
+    requires(!std::same_as<T, bool> && !std::same_as<T, char>) Value(T number)
+        : m_text(std::to_string(number)) {}
 
     const String& toString() const { return m_text; }
 

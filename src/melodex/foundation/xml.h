@@ -15,7 +15,12 @@
 // files were written by many programs. load() and loadFromString() accept
 // exactly one well-formed document: text or a second element beside the root
 // element makes them fail with StatusXmlMalformed, so that plain text that
-// merely begins with an element is not taken for XML.
+// merely begins with an element is not taken for XML. Comments, processing
+// instructions, the document type declaration and text nodes that hold only
+// blanks are not kept.
+//
+// An XmlNode points into its XmlFile: it stays valid while that file lives
+// and is not loaded again.
 
 #include <memory>
 #include <string_view>
@@ -27,7 +32,6 @@
 
 namespace pugi {
 struct xml_node_struct;
-class xml_document;
 }  // namespace pugi
 
 namespace melodex {
@@ -94,16 +98,22 @@ public:
     // leaves the document empty.
     [[nodiscard]] Status load(std::string_view path);
 
-    // The same for text already in memory (UTF-8).
+    // The same for text already in memory: UTF-8, or any of the encodings
+    // that load() detects, decoded the same way.
     [[nodiscard]] Status loadFromString(std::string_view text);
 
     // The root element, or null when nothing is loaded.
     XmlNode root() const;
 
 private:
-    [[nodiscard]] Status parse(std::string_view utf8);
+    // The tree and the decoded text that it points into, kept together on
+    // the heap so that moving an XmlFile leaves its nodes valid.
+    struct Document;
 
-    std::unique_ptr<pugi::xml_document> m_document;
+    // Decodes `bytes` and parses the text in place.
+    [[nodiscard]] Status parse(String bytes);
+
+    std::unique_ptr<Document> m_document;
 };
 
 struct XmlString {

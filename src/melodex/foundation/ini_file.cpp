@@ -1,0 +1,392 @@
+#include "melodex/foundation/ini_file.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <new>
+
+#include "melodex/foundation/file_system.h"
+#include "melodex/foundation/text_encoding.h"
+#include "melodex/foundation/value.h"
+
+// The codec is our own rather than SimpleIni's: SimpleIni neither keeps the
+// order of sections across removals without extra bookkeeping nor reads
+// Windows-1252 or UTF-16 files, and the quoting that lets any value (a
+// lyric line with leading blanks, a title starting with a quote) round-trip
+// is ours to define. The format is small enough that a single pass over the
+// text is both simpler and faster than adapting a general library.
+
+namespace melodex {
+
+namespace {
+
+// Above this many values a section keeps a hash index; below it a scan of
+// the few names is cheaper than hashing and keeps index sections (about a
+// dozen values each, 10,000 of them) free of a map apiece.
+constexpr std::size_t ValueIndexThreshold = 16;
+
+constexpr bool isBlank(char c) {
+    return c == ' ' || c == '\t';
+}
+
+std::string_view trimBlanks(std::string_view text) {
+    std::size_t begin = 0;
+    std::size_t end = text.size();
+    while (begin < end && isBlank(text[begin]))
+        ++begin;
+    while (end > begin && isBlank(text[end - 1]))
+        --end;
+    return text.substr(begin, end - begin);
+}
+
+// A value that loses nothing when written bare: reading trims blanks, ends
+// the line at a line break and takes a leading double quote as quoting.
+bool needsQuotes(std::string_view value) {
+    if (value.empty()) return false;
+    if (isBlank(value.front()) || isBlank(value.back()) || value.front() == '"') return true;
+    return value.find_first_of("\r\n") != std::string_view::npos;
+}
+
+void appendQuoted(String& out, std::string_view value) {
+    out += '"';
+    for (char c : value) {
+        switch (c) {
+            case '"':
+                out += "\\\"";
+                break;
+            case '\\':
+                out += "\\\\";
+                break;
+            case '\n':
+                out += "\\n";
+                break;
+            case '\r':
+                out += "\\r";
+                break;
+            case '\t':
+                out += "\\t";
+                break;
+            default:
+                out += c;
+                break;
+        }
+    }
+    out += '"';
+}
+
+// Reads a value that starts with a double quote. Files edited by hand hold
+// values such as "Amazing" Grace, in which the quote does not enclose the
+// whole value; those, and quotes left open, read as the text they are.
+String unquoteValue(std::string_view raw) {
+    String out;
+    out.reserve(raw.size());
+    for (std::size_t i = 1; i < raw.size(); ++i) {
+        const char c = raw[i];
+        if (c == '"') {
+            if (i + 1 == raw.size()) return out;
+            return String(raw);  // text after the closing quote
+        }
+        if (c != '\\') {
+            out += c;
+            continue;
+        }
+        if (++i == raw.size()) break;
+        switch (raw[i]) {
+            case '"':
+                out += '"';
+                break;
+            case '\\':
+                out += '\\';
+                break;
+            case 'n':
+                out += '\n';
+                break;
+            case 'r':
+                out += '\r';
+                break;
+            case 't':
+                out += '\t';
+                break;
+            default:  // not one of ours: keep it as written
+                out += '\\';
+                out += raw[i];
+                break;
+        }
+    }
+    return String(raw);  // no closing quote
+}
+
+}  // namespace
+
+// --- ConfigValue -------------------------------------------------------------
+
+long long ConfigValue::asInteger(long long defaultValue) const {
+    return parseInteger(m_value).value_or(defaultValue);
+}
+
+double ConfigValue::asDouble(double defaultValue) const {
+    return parseDouble(m_value).value_or(defaultValue);
+}
+
+// --- ConfigKey ---------------------------------------------------------------
+
+ConfigKey::ConfigKey(String name) : m_name(std::move(name)) {}
+
+ConfigKey::ConfigKey(const ConfigKey& other) : m_name(other.m_name), m_values(other.m_values) {
+    if (other.m_index) rebuildIndex();
+}
+
+ConfigKey& ConfigKey::operator=(const ConfigKey& other) {
+    if (this != &other) {
+        ConfigKey copy(other);
+        *this = std::move(copy);
+    }
+    return *this;
+}
+
+ConfigKey::ConfigKey(ConfigKey&&) noexcept = default;
+ConfigKey& ConfigKey::operator=(ConfigKey&&) noexcept = default;
+ConfigKey::~ConfigKey() = default;
+
+std::size_t ConfigKey::findIndex(std::string_view name) const {
+    if (m_index) {
+        const auto found = m_index->find(name);
+        return found == m_index->end() ? m_values.size() : found->second;
+    }
+    for (std::size_t i = 0; i < m_values.size(); ++i) {
+        if (equalsIgnoreCase(m_values[i].name(), name)) return i;
+    }
+    return m_values.size();
+}
+
+void ConfigKey::rebuildIndex() {
+    if (m_values.size() <= ValueIndexThreshold) {
+        m_index.reset();
+        return;
+    }
+    auto index = std::make_unique<ValueIndex>();
+    index->reserve(m_values.size());
+    // emplace keeps the first of two equal names, as the scan would find it.
+    for (std::size_t i = 0; i < m_values.size(); ++i)
+        index->emplace(m_values[i].name(), i);
+    m_index = std::move(index);
+}
+
+const ConfigValue* ConfigKey::findValue(std::string_view name) const {
+    const std::size_t index = findIndex(name);
+    return index < m_values.size() ? &m_values[index] : nullptr;
+}
+
+String ConfigKey::getString(std::string_view name, std::string_view defaultValue) const {
+    const ConfigValue* value = findValue(name);
+    return value ? value->value() : String(defaultValue);
+}
+
+long long ConfigKey::getInteger(std::string_view name, long long defaultValue) const {
+    const ConfigValue* value = findValue(name);
+    return value ? value->asInteger(defaultValue) : defaultValue;
+}
+
+double ConfigKey::getDouble(std::string_view name, double defaultValue) const {
+    const ConfigValue* value = findValue(name);
+    return value ? value->asDouble(defaultValue) : defaultValue;
+}
+
+void ConfigKey::setString(std::string_view name, std::string_view value) {
+    const std::size_t index = findIndex(name);
+    if (index < m_values.size()) {
+        m_values[index].setValue(String(value));
+        return;
+    }
+    m_values.emplace_back(String(name), String(value));
+    if (m_index) {
+        m_index->emplace(m_values.back().name(), index);
+    } else if (m_values.size() > ValueIndexThreshold) {
+        rebuildIndex();
+    }
+}
+
+void ConfigKey::setInteger(std::string_view name, long long value) {
+    setString(name, std::to_string(value));
+}
+
+void ConfigKey::setDouble(std::string_view name, double value) {
+    setString(name, Value(value).toString());
+}
+
+bool ConfigKey::removeValue(std::string_view name) {
+    const std::size_t index = findIndex(name);
+    if (index >= m_values.size()) return false;
+    m_values.erase(m_values.begin() + std::ptrdiff_t(index));
+    if (m_index) rebuildIndex();  // the positions after it have moved
+    return true;
+}
+
+void ConfigKey::clear() {
+    m_values.clear();
+    m_index.reset();
+}
+
+// --- IniFile -----------------------------------------------------------------
+
+IniFile::IniFile(const IniFile& other) : m_filename(other.m_filename) {
+    m_keys.reserve(other.m_keys.size());
+    for (const auto& key : other.m_keys)
+        m_keys.push_back(std::make_unique<ConfigKey>(*key));
+    rebuildIndex();
+}
+
+IniFile& IniFile::operator=(const IniFile& other) {
+    if (this != &other) {
+        IniFile copy(other);
+        *this = std::move(copy);
+    }
+    return *this;
+}
+
+void IniFile::rebuildIndex() {
+    m_keysByName.clear();
+    m_keysByName.reserve(m_keys.size());
+    for (const auto& key : m_keys)
+        m_keysByName.emplace(key->name(), key.get());
+}
+
+Status IniFile::load(std::string_view path) {
+    try {
+        std::string bytes;
+        if (const Status status = readFileBytes(path, bytes); status != StatusSuccess) {
+            return status;
+        }
+        // Parse into a fresh object so that nothing here is touched until
+        // the whole file has been read.
+        IniFile loaded;
+        // Most files are plain UTF-8: parse those bytes as they are instead
+        // of copying them through the decoder.
+        if (detectEncoding(bytes) == TextEncoding::Utf8) {
+            loaded.loadFromString(bytes);
+        } else {
+            loaded.loadFromString(decodeText(bytes));
+        }
+        loaded.m_filename = String(path);
+        *this = std::move(loaded);
+        return StatusSuccess;
+    } catch (const std::bad_alloc&) {
+        return Status(ENOMEM);
+    }
+}
+
+void IniFile::loadFromString(std::string_view text) {
+    clear();
+    if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+
+    ConfigKey* section = nullptr;
+    std::size_t pos = 0;
+    while (pos < text.size()) {
+        // Lines end at LF, CR LF or CR; an empty line between CR and LF is
+        // skipped as blank.
+        std::size_t end = pos;
+        while (end < text.size() && text[end] != '\n' && text[end] != '\r')
+            ++end;
+        const std::string_view line = trimBlanks(text.substr(pos, end - pos));
+        pos = end + 1;
+
+        if (line.empty() || line.front() == ';' || line.front() == '#') continue;
+
+        if (line.front() == '[') {
+            // The last "]" closes the name, so a name may itself hold one.
+            const std::size_t close = line.rfind(']');
+            if (close == std::string_view::npos) continue;  // unclosed header
+            section = createKey(trimBlanks(line.substr(1, close - 1)));
+            continue;
+        }
+
+        const std::size_t equals = line.find('=');
+        if (equals == std::string_view::npos) continue;
+        const std::string_view name = trimBlanks(line.substr(0, equals));
+        if (name.empty()) continue;
+        const std::string_view value = trimBlanks(line.substr(equals + 1));
+
+        if (!section) section = createKey({});
+        if (!value.empty() && value.front() == '"') {
+            section->setString(name, unquoteValue(value));
+        } else {
+            section->setString(name, value);
+        }
+    }
+}
+
+Status IniFile::save(std::string_view path) const {
+    try {
+        return writeFileAtomically(path, toString());
+    } catch (const std::bad_alloc&) {
+        return Status(ENOMEM);
+    }
+}
+
+String IniFile::toString() const {
+    std::size_t estimate = 0;
+    for (const auto& key : m_keys) {
+        estimate += key->name().size() + 4;
+        for (int i = 0; i < key->getValueCount(); ++i) {
+            const ConfigValue& value = key->getValue(i);
+            estimate += value.name().size() + value.value().size() + 2;
+        }
+    }
+    String out;
+    out.reserve(estimate + estimate / 16);
+
+    for (std::size_t k = 0; k < m_keys.size(); ++k) {
+        const ConfigKey& key = *m_keys[k];
+        if (k > 0) out += '\n';
+        // Values before the first header belong to the unnamed section; a
+        // header is needed only when that section is not first or empty.
+        if (k > 0 || !key.name().empty() || key.getValueCount() == 0) {
+            out += '[';
+            out += key.name();
+            out += "]\n";
+        }
+        for (int i = 0; i < key.getValueCount(); ++i) {
+            const ConfigValue& value = key.getValue(i);
+            out += value.name();
+            out += '=';
+            if (needsQuotes(value.value())) {
+                appendQuoted(out, value.value());
+            } else {
+                out += value.value();
+            }
+            out += '\n';
+        }
+    }
+    return out;
+}
+
+ConfigKey* IniFile::findKey(std::string_view name) const {
+    const auto found = m_keysByName.find(name);
+    return found == m_keysByName.end() ? nullptr : found->second;
+}
+
+ConfigKey* IniFile::createKey(std::string_view name) {
+    if (ConfigKey* existing = findKey(name)) return existing;
+    m_keys.push_back(std::make_unique<ConfigKey>(String(name)));
+    ConfigKey* key = m_keys.back().get();
+    m_keysByName.emplace(key->name(), key);
+    return key;
+}
+
+bool IniFile::removeKey(std::string_view name) {
+    const auto found = m_keysByName.find(name);
+    if (found == m_keysByName.end()) return false;
+    const ConfigKey* key = found->second;
+    // The index entry views the section's name: drop it before the section.
+    m_keysByName.erase(found);
+    const auto position = std::find_if(m_keys.begin(), m_keys.end(),
+                                       [key](const auto& owned) { return owned.get() == key; });
+    m_keys.erase(position);
+    return true;
+}
+
+void IniFile::clear() {
+    m_keysByName.clear();
+    m_keys.clear();
+}
+
+}  // namespace melodex

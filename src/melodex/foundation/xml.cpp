@@ -1,0 +1,277 @@
+#include "melodex/foundation/xml.h"
+
+#include <cerrno>
+#include <cstring>
+#include <new>
+
+#include <pugixml.hpp>
+
+#include "melodex/foundation/file_system.h"
+#include "melodex/foundation/text_encoding.h"
+
+namespace melodex {
+
+namespace {
+
+bool isBlankText(const char* text) {
+    for (; *text; ++text) {
+        if (*text != ' ' && *text != '\t' && *text != '\r' && *text != '\n') return false;
+    }
+    return true;
+}
+
+bool isTextNode(const pugi::xml_node& node) {
+    return node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
+}
+
+// Older Windows programs wrote UTF-16 without a byte-order mark. Every XML
+// document starts with "<", so its first two bytes give the byte order away;
+// a mark in front lets the common decoder take it from there.
+String decodeXmlBytes(String bytes) {
+    if (bytes.size() >= 2 && bytes[0] == '<' && bytes[1] == '\0') {
+        return decodeText("\xFF\xFE" + bytes);
+    }
+    if (bytes.size() >= 2 && bytes[0] == '\0' && bytes[1] == '<') {
+        return decodeText("\xFE\xFF" + bytes);
+    }
+    const TextEncoding encoding = detectEncoding(bytes);
+    if (encoding == TextEncoding::Utf8) return bytes;  // no copy for the common case
+    return decodeText(bytes);
+}
+
+// Fragment mode keeps top-level text so that we can refuse it; declarations
+// are kept as nodes so that one standing after the root is noticed.
+constexpr unsigned ParseOptions =
+    pugi::parse_default | pugi::parse_fragment | pugi::parse_declaration;
+
+// Checks what the parser accepted in fragment mode: exactly one element at
+// the top, with nothing beside it but blanks and a leading declaration.
+Status checkSingleDocument(const pugi::xml_document& document) {
+    int elements = 0;
+    bool first = true;
+    for (pugi::xml_node node = document.first_child(); node; node = node.next_sibling()) {
+        switch (node.type()) {
+            case pugi::node_element:
+                ++elements;
+                break;
+            case pugi::node_pcdata:
+                if (!isBlankText(node.value())) return StatusXmlMalformed;
+                break;
+            case pugi::node_cdata:
+                return StatusXmlMalformed;
+            case pugi::node_declaration:
+                if (!first) return StatusXmlMalformed;
+                break;
+            default:
+                break;
+        }
+        first = false;
+    }
+    if (elements == 0) return StatusXmlBase + pugi::status_no_document_element;
+    if (elements > 1) return StatusXmlMalformed;
+    return StatusSuccess;
+}
+
+}  // namespace
+
+// --- XmlNode -----------------------------------------------------------------
+
+XmlNode::Kind XmlNode::kind() const {
+    if (!m_node) return Kind::Null;
+    switch (pugi::xml_node(m_node).type()) {
+        case pugi::node_element:
+            return Kind::Element;
+        case pugi::node_pcdata:
+        case pugi::node_cdata:
+            return Kind::Text;
+        default:
+            return Kind::Other;
+    }
+}
+
+String XmlNode::name() const {
+    const pugi::xml_node node(m_node);
+    return node.type() == pugi::node_element ? String(node.name()) : String();
+}
+
+XmlNode XmlNode::findChild(std::string_view name) const {
+    for (pugi::xml_node child = pugi::xml_node(m_node).first_child(); child;
+         child = child.next_sibling()) {
+        if (child.type() == pugi::node_element && equalsIgnoreCase(child.name(), name)) {
+            return XmlNode(child.internal_object());
+        }
+    }
+    return {};
+}
+
+std::vector<XmlNode> XmlNode::childElements() const {
+    std::vector<XmlNode> children;
+    for (pugi::xml_node child = pugi::xml_node(m_node).first_child(); child;
+         child = child.next_sibling()) {
+        if (child.type() == pugi::node_element)
+            children.push_back(XmlNode(child.internal_object()));
+    }
+    return children;
+}
+
+XmlNode XmlNode::firstChild() const {
+    return XmlNode(pugi::xml_node(m_node).first_child().internal_object());
+}
+
+XmlNode XmlNode::nextSibling() const {
+    return XmlNode(pugi::xml_node(m_node).next_sibling().internal_object());
+}
+
+String XmlNode::attribute(std::string_view name, std::string_view defaultValue) const {
+    for (pugi::xml_attribute attr = pugi::xml_node(m_node).first_attribute(); attr;
+         attr = attr.next_attribute()) {
+        if (equalsIgnoreCase(attr.name(), name)) return attr.value();
+    }
+    return String(defaultValue);
+}
+
+bool XmlNode::hasAttribute(std::string_view name) const {
+    for (pugi::xml_attribute attr = pugi::xml_node(m_node).first_attribute(); attr;
+         attr = attr.next_attribute()) {
+        if (equalsIgnoreCase(attr.name(), name)) return true;
+    }
+    return false;
+}
+
+std::vector<std::pair<String, String>> XmlNode::attributes() const {
+    std::vector<std::pair<String, String>> result;
+    for (pugi::xml_attribute attr = pugi::xml_node(m_node).first_attribute(); attr;
+         attr = attr.next_attribute()) {
+        result.emplace_back(attr.name(), attr.value());
+    }
+    return result;
+}
+
+String XmlNode::text() const {
+    const pugi::xml_node start(m_node);
+    if (isTextNode(start)) return start.value();
+    if (start.type() != pugi::node_element) return {};
+
+    // A walk with explicit moves instead of recursion: a hostile file nested
+    // a hundred thousand levels deep must not exhaust the stack.
+    String out;
+    pugi::xml_node node = start.first_child();
+    while (node) {
+        if (isTextNode(node)) out += node.value();
+        if (pugi::xml_node child = node.first_child()) {
+            node = child;
+            continue;
+        }
+        while (!node.next_sibling()) {
+            node = node.parent();
+            if (node == start) return out;
+        }
+        node = node.next_sibling();
+    }
+    return out;
+}
+
+String XmlNode::directText() const {
+    String out;
+    for (pugi::xml_node child = pugi::xml_node(m_node).first_child(); child;
+         child = child.next_sibling()) {
+        if (isTextNode(child)) out += child.value();
+    }
+    return out;
+}
+
+// --- XmlFile -----------------------------------------------------------------
+
+struct XmlFile::Document {
+    pugi::xml_document tree;
+    String text;
+
+    void clear() {
+        tree.reset();  // first: the old tree points into the old text
+        text = String();
+    }
+};
+
+XmlFile::XmlFile() : m_document(std::make_unique<Document>()) {}
+XmlFile::XmlFile(XmlFile&&) noexcept = default;
+XmlFile& XmlFile::operator=(XmlFile&&) noexcept = default;
+XmlFile::~XmlFile() = default;
+
+Status XmlFile::load(std::string_view path) {
+    try {
+        std::string bytes;
+        if (const Status status = readFileBytes(path, bytes); status != StatusSuccess) {
+            if (m_document) m_document->clear();
+            return status;
+        }
+        return parse(std::move(bytes));
+    } catch (const std::bad_alloc&) {
+        if (m_document) m_document->clear();
+        return Status(ENOMEM);
+    }
+}
+
+Status XmlFile::loadFromString(std::string_view text) {
+    try {
+        return parse(String(text));
+    } catch (const std::bad_alloc&) {
+        if (m_document) m_document->clear();
+        return Status(ENOMEM);
+    }
+}
+
+Status XmlFile::parse(String bytes) {
+    if (!m_document) m_document = std::make_unique<Document>();
+    m_document->clear();
+    String& text = m_document->text;
+    text = decodeXmlBytes(std::move(bytes));
+
+    Status status = StatusSuccess;
+    // The parser stops quietly at a NUL character, which would let a valid
+    // document hide arbitrary bytes after it; XML allows no NUL anywhere.
+    if (std::memchr(text.data(), 0, text.size()) != nullptr) {
+        status = StatusXmlMalformed;
+    } else {
+        // In place: the tree points into the text instead of a copy of it.
+        const pugi::xml_parse_result result = m_document->tree.load_buffer_inplace(
+            text.data(), text.size(), ParseOptions, pugi::encoding_utf8);
+        status = result.status == pugi::status_ok ? checkSingleDocument(m_document->tree)
+                                                  : StatusXmlBase + Status(result.status);
+    }
+    if (status != StatusSuccess) m_document->clear();
+    return status;
+}
+
+XmlNode XmlFile::root() const {
+    if (!m_document) return {};
+    return XmlNode(m_document->tree.document_element().internal_object());
+}
+
+// --- XmlString ---------------------------------------------------------------
+
+String XmlString::encode(std::string_view text) {
+    String out;
+    out.reserve(text.size() + text.size() / 8);
+    for (char c : text) {
+        switch (c) {
+            case '&':
+                out += "&amp;";
+                break;
+            case '<':
+                out += "&lt;";
+                break;
+            case '>':
+                out += "&gt;";
+                break;
+            case '"':
+                out += "&quot;";
+                break;
+            default:
+                out += c;
+                break;
+        }
+    }
+    return out;
+}
+
+}  // namespace melodex
