@@ -1,0 +1,9 @@
+#include "melodex/app/globals.h"
+
+namespace melodex {
+
+// Within one source file globals are constructed in the order written; keep
+// each after those it uses.
+Melodex theBaseApp;
+
+}  // namespace melodex

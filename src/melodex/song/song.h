@@ -1,0 +1,157 @@
+#pragma once
+
+// The in-memory song document: an id, the time of its last update, its
+// information (title, key ...) and its ordered sections.
+//
+//     Song song;
+//     song.info().setTitle("Amazing Grace");
+//     song.info().setKey("G");
+//     auto* verse = new SongSection(SectionType::Verse);
+//     verse->addLine(line);
+//     song.addSection(verse);       // the song owns the section
+//     song.generateSectionIDs();    // "V1"
+//     song.transpose(2);            // key "A", every chord two semitones up
+//
+// The song owns its sections, each section its lines, each line its chords.
+// A pointer returned by getSection() stays valid until that section is
+// removed or the song is cleared, assigned to or destroyed.
+
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "melodex/foundation/local_time.h"
+#include "melodex/foundation/text.h"
+#include "melodex/music/song_info.h"
+#include "melodex/song/song_section.h"
+
+namespace melodex {
+
+class SongBook;
+
+// Song file types.
+namespace SongFileType {
+inline constexpr int Song = 1;       // ".song" XML
+inline constexpr int Text = 2;       // ".txt" plain text
+inline constexpr int Sng = 3;        // ".sng" XML
+inline constexpr int OpenSong = 4;   // read only
+inline constexpr int SongSmart = 6;  // read only
+}  // namespace SongFileType
+
+class Song {
+public:
+    Song();
+    // A default song assigned from `other`.
+    Song(const Song& other);
+    // Clears this song, then copies the sections deeply (their lines point at
+    // the copies) and uuid, updated, info, numberInBook, filename, pageCount
+    // and loadedFileType. The book link and the local sequence stay this
+    // song's own.
+    Song& operator=(const Song& other);
+    virtual ~Song();
+
+    SongInfo& info() { return m_info; }
+    const SongInfo& info() const { return m_info; }
+
+    // Text form of a Uuid; empty means none yet.
+    const String& uuid() const { return m_uuid; }
+    void uuid(std::string_view uuid) { m_uuid.assign(uuid); }
+    bool hasUUID() const { return !m_uuid.empty(); }
+
+    const LocalTime& updated() const { return m_updated; }
+    void updated(const LocalTime& time) { m_updated = time; }
+    // Sets the update time to now.
+    void updateFileTimes();
+
+    // The file the song was loaded from; empty when none.
+    const String& filename() const { return m_filename; }
+    void filename(std::string_view path) { m_filename.assign(path); }
+
+    // The song book the song belongs to (not owned), or null.
+    SongBook* book() const { return m_book; }
+    void book(SongBook* book) { m_book = book; }
+    bool isInBook() const { return m_book != nullptr; }
+    // 0 when not in a book.
+    int numberInBook() const { return m_numberInBook; }
+    void numberInBook(int number) { m_numberInBook = number; }
+
+    int getPageCount() const { return m_pageCount; }
+    void setPageCount(int pages) { m_pageCount = pages; }
+
+    // The file type of the last load; 0 when the song was not loaded.
+    int loadedFileType() const { return m_loadedFileType; }
+
+    // A running order that overrides the information's sequence; empty or
+    // "auto" means none.
+    const String& localSequence() const { return m_localSequence; }
+    void setLocalSequence(std::string_view sequence) { m_localSequence.assign(sequence); }
+
+    // --- Sections ------------------------------------------------------------
+
+    int getSectionCount() const { return int(m_sections.size()); }
+    // No range check.
+    SongSection* getSection(int index) const { return m_sections[std::size_t(index)].get(); }
+
+    // Take ownership of a heap-allocated section; null is ignored.
+    // insertSection() appends when the index is past the end.
+    void addSection(SongSection* section);
+    void insertSection(SongSection* section, int index);
+
+    // Takes the section out. With `deleteIt` it is deleted and null returned;
+    // otherwise the caller owns the returned section. No range check.
+    SongSection* removeSection(int index, bool deleteIt);
+
+    // --- Whole song ----------------------------------------------------------
+
+    // Deletes the sections and empties uuid, info (which then has no key) and
+    // filename; updated becomes now, pageCount 1, loadedFileType 0. The book
+    // link, numberInBook and the local sequence are kept.
+    void clear();
+
+    // Stores a new random UUID.
+    void generateUUID();
+
+    // Gives every section the first letter of its type word and its number
+    // among the sections of that type: "V1", "C1", "V2", "B1", "P1" ...
+    void generateSectionIDs();
+
+    // The running order as comma-separated section ids: the local sequence,
+    // else the information's sequence, else one built from the sections,
+    // in which the last chorus (with its pre-chorus) follows every verse or
+    // bridge that is not already followed by one.
+    String getSequence() const;
+
+    // Transposes the key and every chord; the text is not touched.
+    void transpose(int semitones);
+
+    // A short description for diagnostics: Song "Amazing Grace" key G: V1 C1 V2
+    String toString() const;
+
+    // --- File types ----------------------------------------------------------
+
+    // ".song", ".txt", ".sng"; empty for other types.
+    static String getFileExtension(int fileType);
+    // The localised name of the type from the string tables (section
+    // "SongFileType", keys "standard", "text", "sng", "opensong", "unknown");
+    // empty when no table has it.
+    static String getFileTypeName(int fileType);
+    // "brackwell/song" for type 1, "creativelifestyles/song" for type 3,
+    // empty for others.
+    static String getFileXmlNamespace(int fileType);
+    // Every type but plain text.
+    static bool isXmlFiletype(int fileType) { return fileType != SongFileType::Text; }
+
+private:
+    String m_uuid;
+    LocalTime m_updated;
+    SongInfo m_info;
+    std::vector<std::unique_ptr<SongSection>> m_sections;
+    SongBook* m_book = nullptr;
+    int m_numberInBook = 0;
+    String m_filename;
+    int m_pageCount = 1;
+    int m_loadedFileType = 0;
+    String m_localSequence;
+};
+
+}  // namespace melodex

@@ -1,0 +1,53 @@
+#include "melodex/song/song_reference.h"
+
+#include "melodex/foundation/xml.h"
+
+namespace melodex {
+
+String SongReference::getAttribute(std::string_view name) const {
+    if (equalsIgnoreCase(name, "type")) return m_type;
+    if (equalsIgnoreCase(name, "value")) return m_value;
+    for (const auto& [key, text] : m_extra) {
+        if (equalsIgnoreCase(key, name)) return text;
+    }
+    return {};
+}
+
+void SongReference::setAttribute(std::string_view name, std::string_view value) {
+    if (equalsIgnoreCase(name, "type")) {
+        m_type.assign(value);
+    } else if (equalsIgnoreCase(name, "value")) {
+        m_value.assign(value);
+    } else {
+        for (auto& [key, text] : m_extra) {
+            if (equalsIgnoreCase(key, name)) {
+                text.assign(value);
+                return;
+            }
+        }
+        m_extra.emplace_back(String(name), String(value));
+    }
+}
+
+String SongReference::writeToText() const {
+    // Attribute values go between plain double quotes with no escaping:
+    // that is the form existing song files carry, and readers of those files
+    // expect nothing else.
+    String out = "\t<reference";
+    auto writeAttribute = [&out](std::string_view name, std::string_view value) {
+        out += ' ';
+        out += name;
+        out += "=\"";
+        out += value;
+        out += '"';
+    };
+    writeAttribute("type", m_type);
+    for (const auto& [key, text] : m_extra)
+        writeAttribute(key, text);
+    out += '>';
+    out += XmlString::encode(m_value);
+    out += "</reference>\n";
+    return out;
+}
+
+}  // namespace melodex
