@@ -1,6 +1,7 @@
 #include "melodex/foundation/local_time.h"
 
 #include <chrono>
+#include <cstdio>
 
 namespace melodex {
 
@@ -78,7 +79,24 @@ std::time_t LocalTime::toTimeT() const {
 
 String LocalTime::format(std::string_view pattern) const {
     const std::tm tm = toTm(*this);
-    const String format(pattern);
+    // strftime does not pad years before 1000, which would break the
+    // fourteen-digit form; write the year ourselves.
+    String format;
+    format.reserve(pattern.size() + 8);
+    for (std::size_t i = 0; i < pattern.size(); ++i) {
+        if (pattern[i] == '%' && i + 1 < pattern.size()) {
+            if (pattern[i + 1] == 'Y' && m_year >= 0 && m_year <= 9999) {
+                char year[8];
+                std::snprintf(year, sizeof year, "%04d", m_year);
+                format += year;
+            } else {
+                format += pattern.substr(i, 2);
+            }
+            ++i;
+        } else {
+            format += pattern[i];
+        }
+    }
     String out(64, '\0');
     for (;;) {
         const std::size_t written = std::strftime(out.data(), out.size(), format.c_str(), &tm);

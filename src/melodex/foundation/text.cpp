@@ -50,6 +50,14 @@ std::string_view trimBlanks(std::string_view text) {
     return text;
 }
 
+// True when the text is at most one sign followed by a digit or a decimal
+// point: from_chars would take "inf" and "nan" for numbers, and we strip a
+// "+" that it does not accept, which must not let "+-1" through.
+bool hasOneSignThenDigit(std::string_view text) {
+    if (!text.empty() && (text.front() == '+' || text.front() == '-')) text.remove_prefix(1);
+    return !text.empty() && ((text.front() >= '0' && text.front() <= '9') || text.front() == '.');
+}
+
 }  // namespace
 
 // --- Code points -----------------------------------------------------------
@@ -367,8 +375,8 @@ String quote(std::string_view text, char quoteChar, char escapeChar) {
 
 std::optional<long long> parseInteger(std::string_view text) {
     text = trimBlanks(text);
-    if (!text.empty() && text.front() == '+') text.remove_prefix(1);
-    if (text.empty() || text.front() == '+') return std::nullopt;
+    if (!hasOneSignThenDigit(text)) return std::nullopt;
+    if (text.front() == '+') text.remove_prefix(1);
     long long value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
@@ -377,8 +385,8 @@ std::optional<long long> parseInteger(std::string_view text) {
 
 std::optional<double> parseDouble(std::string_view text) {
     text = trimBlanks(text);
-    if (!text.empty() && text.front() == '+') text.remove_prefix(1);
-    if (text.empty() || text.front() == '+') return std::nullopt;
+    if (!hasOneSignThenDigit(text)) return std::nullopt;
+    if (text.front() == '+') text.remove_prefix(1);
     double value = 0.0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
