@@ -25,6 +25,8 @@
 #include "melodex/music/notes.h"
 #include "melodex/music/song_chord.h"
 #include "melodex/music/song_info.h"
+#include "melodex/song/chord_sheet.h"
+#include "melodex/song/opensong_lyrics.h"
 #include "melodex/song/song.h"
 #include "melodex/song/song_line.h"
 #include "melodex/song/song_reference.h"

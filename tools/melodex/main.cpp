@@ -1,14 +1,25 @@
 // melodex: the command-line face of the library.
 
-#include <CLI/CLI.hpp>
 #include <fmt/core.h>
+#include <CLI/CLI.hpp>
+
+#include "song_commands.h"
 
 int main(int argc, char** argv) {
     CLI::App app{"melodex: songs, chords, song libraries and Bibles for church presentation"};
     app.set_version_flag("--version", "melodex " MELODEX_VERSION);
     app.require_subcommand(0);
+    melodex::cli::addSongCommands(app);
 
-    CLI11_PARSE(app, argc, argv);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        // Help and version end with 0 and a failed command with its own code
+        // (it has said why already); any other parse error is a usage error.
+        const int code = app.exit(error);
+        if (code == 0 || error.get_name() == "RuntimeError") return code;
+        return 2;
+    }
     if (argc == 1) fmt::print("{}", app.help());
     return 0;
 }

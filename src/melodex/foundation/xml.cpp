@@ -40,9 +40,11 @@ String decodeXmlBytes(String bytes) {
 }
 
 // Fragment mode keeps top-level text so that we can refuse it; declarations
-// are kept as nodes so that one standing after the root is noticed.
-constexpr unsigned ParseOptions =
-    pugi::parse_default | pugi::parse_fragment | pugi::parse_declaration;
+// are kept as nodes so that one standing after the root is noticed. Text of
+// blanks is kept too: in a song line the blanks between two chords are
+// lyrics ("Oh <chord>G</chord> <chord>D</chord> Lord").
+constexpr unsigned ParseOptions = pugi::parse_default | pugi::parse_fragment |
+                                  pugi::parse_declaration | pugi::parse_ws_pcdata;
 
 // Checks what the parser accepted in fragment mode: exactly one element at
 // the top, with nothing beside it but blanks and a leading declaration.
@@ -56,7 +58,7 @@ Status checkSingleDocument(const pugi::xml_document& document) {
                 break;
             case pugi::node_pcdata:
                 if (!isBlankText(node.value())) return StatusXmlMalformed;
-                break;
+                continue;  // blanks around the root are not content
             case pugi::node_cdata:
                 return StatusXmlMalformed;
             case pugi::node_declaration:

@@ -15,13 +15,28 @@
 // The song owns its sections, each section its lines, each line its chords.
 // A pointer returned by getSection() stays valid until that section is
 // removed or the song is cleared, assigned to or destroyed.
+//
+// Storage: the XML layouts (".song", ".sng"), the plain-text layout (".txt")
+// and, for reading only, OpenSong songs and SongSmart data:
+//
+//     Song song;
+//     if (song.loadFromFile(path) != StatusSuccess) ...;  // any readable song file
+//     song.saveToFile(copyPath, SongFileType::Song);
+//
+// Readers are lenient: unknown elements, attributes and words are skipped or
+// take their defaults, and text that is not one well-formed XML document is
+// read as plain text. Several losses are part of the formats and are kept:
+// a section's singers and indent do not survive the XML layout, a ".sng" file
+// holds no chords, and a ".txt" file reads its choruses back as verses.
 
 #include <memory>
 #include <string_view>
 #include <vector>
 
 #include "melodex/foundation/local_time.h"
+#include "melodex/foundation/status.h"
 #include "melodex/foundation/text.h"
+#include "melodex/foundation/xml.h"
 #include "melodex/music/song_info.h"
 #include "melodex/song/song_section.h"
 
@@ -141,7 +156,73 @@ public:
     // Every type but plain text.
     static bool isXmlFiletype(int fileType) { return fileType != SongFileType::Text; }
 
+    // --- Storage -------------------------------------------------------------
+
+    // The whole song in the layout of `fileType` (1 ".song", 2 ".txt", 3
+    // ".sng"); `withHeader` adds the XML declaration. Gives the song a uuid
+    // first when it has none. Other types write a skeleton that no reader
+    // takes back: only 1, 2 and 3 are meant for writing.
+    String saveToText(int fileType, bool withHeader);
+
+    // Writes saveToText(fileType, true) to `path` atomically: type 3 in
+    // UTF-16 LE with BOM, the others in UTF-8; types 2 and 3 with CR LF line
+    // ends. 0, or the errno value when the file cannot be written.
+    [[nodiscard]] Status saveToFile(std::string_view path, int fileType);
+
+    // Clears the song and reads `path` as XML, else as plain text; the path
+    // becomes the filename whatever happens. 0, or the plain-text reader's
+    // status (the errno value of a file that cannot be read).
+    [[nodiscard]] Status loadFromFile(std::string_view path);
+
+    // The same for text in memory (any encoding loadFromFile accepts); the
+    // filename becomes empty. Text that is not XML always loads, so this
+    // returns 0.
+    [[nodiscard]] Status loadFromText(std::string_view text);
+
+    // Parse `path` or `text` as XML and read the document. The XML status
+    // when it is not a single well-formed document (nothing is read then).
+    [[nodiscard]] Status loadFromXmlFile(std::string_view path);
+    [[nodiscard]] Status loadFromXmlString(std::string_view text);
+
+    // Reads the document's root element when it is a "song" or a "set"; any
+    // other document leaves the song empty and returns 0.
+    [[nodiscard]] Status loadFromXmlFile(const XmlFile& file);
+
+    // Reads a song element: the song XML layouts, an OpenSong song (an
+    // element with "lyrics") or SongSmart data (an element with "songdata").
+    // Adds to what the song holds: callers clear it first. StatusFailed for a
+    // null node, else 0.
+    [[nodiscard]] Status loadFromXmlNode(const XmlNode& song);
+
+    // Reads the first "song" element inside a set element (searched level by
+    // level, so it may be wrapped). A set without songs leaves the song empty
+    // and returns 0.
+    [[nodiscard]] Status loadFromXmlSet(const XmlNode& set);
+
+    // Read the plain-text layout into the song without clearing it first.
+    // The file form gives 0 or the errno value of a file that cannot be read;
+    // the string form always gives 0.
+    [[nodiscard]] Status loadFromTextFile(std::string_view path);
+    [[nodiscard]] Status loadFromTextString(std::string_view text);
+
+protected:
+    // The steps of loadFromXmlNode, one per element of the song layouts.
+    void processInfoNode(const XmlNode& info);
+    void processBlockNode(const XmlNode& block);
+    void processLineNode(const XmlNode& lineNode, SongSection* section);
+    void processVersesNode(const XmlNode& verses);
+    void processVerseNode(const XmlNode& verse);
+    // The lyrics text of an OpenSong song.
+    void processLyricsNode(const XmlNode& lyrics);
+    // A song element of SongSmart data, and the lyrics text it carries.
+    void processSongSmartNode(const XmlNode& song);
+    void processSongSmartData(std::string_view text);
+
 private:
+    // Reads plain-text lines into sections; the line splitting is the
+    // caller's. `open` is the section that the next non-blank line joins.
+    void readTextLine(std::string_view line, SongSection*& open);
+
     String m_uuid;
     LocalTime m_updated;
     SongInfo m_info;

@@ -97,6 +97,13 @@ public:
 
     void transpose(int semitones);
 
+    // The line in a song file followed by "\n". Type 1: a "line" element
+    // with its singers, indent, repeat and further attributes, and each chord
+    // as a "chord" element just before the character it stands over (a chord
+    // past the end follows the last character). Chord texts are escaped, the
+    // lyric text is written as stored. Other types: the bare text.
+    String writeToText(int fileType) const;
+
     // --- Attributes ----------------------------------------------------------
 
     // Both store the value under its name, replacing a value of the same

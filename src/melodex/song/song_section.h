@@ -101,6 +101,14 @@ public:
 
     void transpose(int semitones);
 
+    // The section in a song file: for type 1 a "block" element with its
+    // attributes and "line" elements, for type 3 a "verse" element holding
+    // the bare line texts, for type 2 only the line texts. The id (and a
+    // verse's type) is written but not read back; "singers" carries the
+    // repeat count and the indent is written as "ident", so neither survives
+    // a round trip. Other types get the attributes without an element name.
+    String writeToText(int fileType) const;
+
 private:
     void copyFieldsAndLines(const SongSection& other);
 
