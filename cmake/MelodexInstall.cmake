@@ -36,6 +36,12 @@ string(REGEX REPLACE "/$" "" MELODEX_PC_TO_PREFIX "${MELODEX_PC_TO_PREFIX}")
 configure_file(${PROJECT_SOURCE_DIR}/cmake/melodex.pc.in ${PROJECT_BINARY_DIR}/melodex.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/melodex.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
+install(FILES ${PROJECT_SOURCE_DIR}/resources/Melodex.ini
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/melodex)
+
 if(MELODEX_BUILD_TOOLS)
     install(TARGETS melodex_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    # A program of the family counts as installed when its product file lies
+    # beside it (or in the folder above).
+    install(FILES ${PROJECT_SOURCE_DIR}/resources/product.bcf DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()

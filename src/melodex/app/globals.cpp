@@ -5,5 +5,6 @@ namespace melodex {
 // Within one source file globals are constructed in the order written; keep
 // each after those it uses.
 Melodex theBaseApp;
+SongConfig theAppConfig;  // registers its string table with theBaseApp
 
 }  // namespace melodex

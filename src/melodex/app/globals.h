@@ -5,5 +5,7 @@
 // construction order is fixed; each is declared next to its class:
 //
 //     theBaseApp    the application services object (melodex.h)
+//     theAppConfig  the configuration and data folders (song_config.h)
 
 #include "melodex/app/melodex.h"
+#include "melodex/app/song_config.h"

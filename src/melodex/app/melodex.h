@@ -1,30 +1,59 @@
 #pragma once
 
 // The application services object of the programs (its one instance is the
-// global theBaseApp): string tables and the conversions
-// between codes and words, note names and chord lines.
+// global theBaseApp): the services that every program of the family shares.
 //
 //     theBaseApp.addStringTable(folder + "/Melodex.ini", true);
-//     theBaseApp.getSectionTypeFromString("Chorus");  // 2
-//     theBaseApp.getNoteNumber("Bbm", rest);          // 10, rest "m"
+//     String caption = theBaseApp.loadString("SongFileType", "standard", "Song");
+//     std::unique_ptr<Song> song(theBaseApp.loadSongFile(""));  // open dialog
+//     if (theBaseApp.editSong(path)) reloadTheSong();            // the editor changed it
+//     theBaseApp.getSectionTypeFromString("Chorus");              // 2
 //
-// The members forward to free functions (song/vocabulary.h, music/notes.h,
-// music/song_chord.h, app/string_tables.h), which the model uses directly.
-// The conversions keep no state; the string tables are the process's.
+// - String tables: user-visible texts looked up by section and id.
+// - Settings: the per-user values the programs share.
+// - Song files: choosing, loading and saving them through the dialogs that
+//   the program supplies (setDialogs; HeadlessDialogs until then), and
+//   handing a song to the editor "Scrivel" or the viewer "Glancer", which
+//   lie beside the running program.
+// - Conversions between codes and words, note names and chord lines. They
+//   forward to free functions (song/vocabulary.h, music/notes.h,
+//   music/song_chord.h), which the model uses directly, and keep no state.
 
 #include <vector>
 
 #include "melodex/foundation/text.h"
 #include "melodex/music/song_chord.h"
+#include "melodex/platform/process_launcher.h"
+#include "melodex/platform/settings_store.h"
 
 namespace melodex {
 
+class Dialogs;
+class Song;
+
+// The filter of the dialogs that open or import song files, exactly as the
+// programs have always shown it (the doubled closing parentheses included).
+inline constexpr const char* SongFileOpenFilter =
+    "Song Files (*.song;*.sng;*.xml;*.txt))|*.song; *.sng; *.xml; *.txt|Cantorix Files "
+    "(*.song))|*.song|XML Song Files (*.xml)|*.xml|Creative Lifestyle Song Files "
+    "(*.sng)|*.sng|Text Files (*.txt)|*.txt|All Files (*.*)|*.*||";
+
+// The filter of the dialog that saves a song; the chosen entry's 1-based
+// position is the file type written (1 song, 2 text, 3 sng).
+inline constexpr const char* SongFileSaveFilter =
+    "Cantorix Files (*.song))|*.song|Text Files (*.txt)|*.txt|Other Song Files (*.sng)|*.sng||";
+
+// The programs that editSong() and viewSong() start, without the system's
+// executable suffix.
+inline constexpr const char* EditorProgramName = "Scrivel";
+inline constexpr const char* ViewerProgramName = "Glancer";
+
 class Melodex {
 public:
-    Melodex() = default;
+    Melodex();
     Melodex(const Melodex&) = delete;
     Melodex& operator=(const Melodex&) = delete;
-    virtual ~Melodex() = default;
+    virtual ~Melodex();
 
     // --- Vocabulary ----------------------------------------------------------
 
@@ -60,6 +89,70 @@ public:
     // table is searched before those registered earlier.
     void addStringTable(const String& path, bool flag);
     String loadString(const String& section, const String& id, const String& defaultText) const;
+
+    // --- Settings ------------------------------------------------------------
+
+    // The per-user setting of that name, or `defaultValue` when it is not set.
+    String getSettingsString(const String& name, const String& defaultValue) const;
+
+    // --- The program's user interface ------------------------------------------
+
+    // The dialogs the library shows: the program's own once it has set them,
+    // else a headless set that cancels every chooser and writes messages to
+    // stderr.
+    Dialogs& dialogs() const;
+    // Not owned; the object must outlive its use here. Null restores the
+    // headless set.
+    void setDialogs(Dialogs* dialogs);
+
+    // What starts the editor and the viewer. Not owned; null restores the
+    // system's launcher.
+    ProcessLauncher& processLauncher() const;
+    void setProcessLauncher(ProcessLauncher* launcher);
+
+    // The folder in which the editor and the viewer are looked for: the
+    // running program's folder unless set (hosts with another layout, tests).
+    String siblingProgramFolder() const;
+    void setSiblingProgramFolder(const String& folder);
+
+    // --- Song files ----------------------------------------------------------
+
+    // True when the name ends, ignoring case, with ".song" or ".txt".
+    bool isSongFile(const String& name) const;
+
+    // The title of the song in that file; the file's name without folder
+    // and extension when the song has none or does not load.
+    String getSongTitle(const String& path) const;
+
+    // Asks for one existing song file, starting in `initialFolder` when it is
+    // not empty; the chosen path, or empty on cancel.
+    String selectSongFile(const String& initialFolder);
+
+    // Asks for a song file and loads it. The caller owns the song; null on
+    // cancel or when the file cannot be read.
+    Song* loadSongFile(const String& initialFolder);
+
+    // Asks where to save the song, proposing its title as the name. The
+    // chosen filter decides the file type and the extension, whatever the
+    // user typed. The path written, or empty on cancel or when the file
+    // cannot be written.
+    String saveSongFile(Song* song, const String& initialFolder);
+
+    // Opens the song file in the editor and waits until the editor ends.
+    // True when the file changed meanwhile (the user saved it); false when
+    // it did not or the editor could not be started.
+    bool editSong(const String& path);
+
+    // Opens the song file in the viewer without waiting; true when the viewer
+    // started.
+    bool viewSong(const String& path);
+
+
+private:
+    Dialogs* m_dialogs = nullptr;
+    ProcessLauncher* m_launcher = nullptr;
+    String m_siblingProgramFolder;
+    SettingsStore m_settings;
 };
 
 // The one instance, defined with the other globals (globals.h).

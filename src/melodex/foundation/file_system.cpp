@@ -133,6 +133,13 @@ std::optional<LocalTime> fileModificationTime(std::string_view path) {
     return LocalTime::fromTimeT(info.st_mtime);
 }
 
+std::optional<std::int64_t> fileModificationStamp(std::string_view path) {
+    const String target(path);
+    struct stat info {};
+    if (::stat(target.c_str(), &info) != 0) return std::nullopt;
+    return std::int64_t(info.st_mtim.tv_sec) * 1000000000 + info.st_mtim.tv_nsec;
+}
+
 std::optional<std::vector<FolderItem>> listFolder(std::string_view path) {
     std::error_code error;
     fs::directory_iterator it(toPath(path), error);

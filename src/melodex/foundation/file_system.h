@@ -5,6 +5,7 @@
 // Paths are UTF-8 strings with "/" as separator. No function here throws:
 // failures are reported as false, an empty result or an errno Status.
 
+#include <cstdint>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -54,6 +55,11 @@ Status removeFile(std::string_view path);
 
 // The file's last modification time in local time at whole seconds.
 std::optional<LocalTime> fileModificationTime(std::string_view path);
+
+// The file's last modification time at the file system's full precision
+// (nanoseconds since the epoch), for telling whether a file changed while
+// another program had it open.
+std::optional<std::int64_t> fileModificationStamp(std::string_view path);
 
 struct FolderItem {
     String name;  // without folder

@@ -12,6 +12,8 @@
 // that changes a variable sees the change at once. No function here fails:
 // each gives its fallback instead.
 
+#include <string_view>
+
 #include "melodex/foundation/text.h"
 
 namespace melodex {
@@ -26,6 +28,10 @@ public:
 
     // The folder of programPath(); empty when that is unknown.
     static String programFolder();
+
+    // The file name of a program called `baseName` on this system
+    // ("Scrivel" here, "Scrivel.exe" on Windows).
+    static String executableName(std::string_view baseName);
 
     // The computer's name; "localhost" when the system gives none.
     static String hostName();

@@ -51,6 +51,8 @@ String SystemInfo::programFolder() {
     return path.empty() ? String() : folderOf(path);
 }
 
+String SystemInfo::executableName(std::string_view baseName) { return String(baseName); }
+
 String SystemInfo::hostName() {
     // POSIX leaves it open whether a truncated name is terminated, so the
     // buffer has room for one more byte that is always zero.

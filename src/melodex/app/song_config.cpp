@@ -1,0 +1,121 @@
+#include "melodex/app/song_config.h"
+
+#include <array>
+
+#include "melodex/app/melodex.h"
+#include "melodex/foundation/file_system.h"
+#include "melodex/platform/dialogs.h"
+
+namespace melodex {
+
+namespace {
+
+struct ProductDefault {
+    const char* name;
+    const char* value;
+};
+
+// What the programs call themselves when no product file says otherwise.
+constexpr std::array<ProductDefault, 11> ProductDefaults{{
+    {"PRODUCT_NAME", "Cantorix"},
+    {"PRODUCT_TITLE", "Cantorix Song Presentation"},
+    {"PRODUCT_MAJOR_VERSION", "1"},
+    {"PRODUCT_MINOR_VERSION", "0"},
+    {"PRODUCT_REVISION", "0"},
+    {"PRODUCT_BUILD", "0"},
+    {"PRODUCT_COMPANY", "Brackwell"},
+    {"PRODUCT_COMPANY_URL", "https://brackwell.example/"},
+    {"PRODUCT_SUPPORT_NAME", "Brackwell Technical Support"},
+    {"PRODUCT_SUPPORT_URL", "https://brackwell.example/support"},
+    {"PRODUCT_PURCHASE_URL", "https://brackwell.example/purchase"},
+}};
+
+constexpr const char* ProductFileName = "product.bcf";
+constexpr const char* LibraryStringTable = "Melodex.ini";
+constexpr const char* SongFilesFolderName = "Song Files";
+
+// The text lacks an "if"; it is the message as the family has always shown
+// it, and string tables that translate it match it word for word.
+constexpr const char* ReinstallNeededText =
+    "<b>There is a problem with the software configuration.</b><p>Please try reinstalling this "
+    "software and this message continues to appear please contact Brackwell Technical Support.";
+
+// Reads a folder's setting, falling back to `defaultPath`, and creates the
+// folder with its parents when it is missing.
+String settleFolder(const SongConfig& config, const char* settingName, const String& defaultPath) {
+    String folder = config.getSettingsString(settingName, defaultPath);
+    if (!folderExists(folder)) createFolders(folder);
+    return folder;
+}
+
+}  // namespace
+
+SongConfig::SongConfig() : AppConfig() { configure(); }
+
+SongConfig::SongConfig(String programPath) : AppConfig(std::move(programPath)) { configure(); }
+
+SongConfig::SongConfig(const SongConfig& other) = default;
+
+SongConfig& SongConfig::operator=(const SongConfig& other) = default;
+
+SongConfig::~SongConfig() = default;
+
+void SongConfig::configure() {
+    for (const ProductDefault& value : ProductDefaults) setProductValue(value.name, value.value);
+
+    const String programFolder = this->programFolder();
+    for (const String& folder : {programFolder, folderOf(programFolder)}) {
+        const String candidate = joinPath(folder, ProductFileName);
+        if (!folder.empty() && fileExists(candidate) && loadProductFile(candidate)) {
+            m_configured = true;
+            break;
+        }
+    }
+
+    setProductInfo(ProductInfo{getProductValue("PRODUCT_NAME"),
+                               getProductNumber("PRODUCT_MAJOR_VERSION"),
+                               getProductNumber("PRODUCT_MINOR_VERSION"),
+                               getProductNumber("PRODUCT_REVISION"),
+                               getProductNumber("PRODUCT_BUILD")});
+
+    theBaseApp.addStringTable(getResourceFilePath(LibraryStringTable), true);
+}
+
+bool SongConfig::init(int programId) {
+    theBaseApp.addStringTable(getResourceFilePath(baseNameOf(programPath()) + ".ini"), true);
+
+    if (!m_configured) {
+        MessageRequest message;
+        message.text = theBaseApp.loadString("setup", "ReinstallNeeded", ReinstallNeededText);
+        message.icon = MessageIcon::Error;
+        theBaseApp.dialogs().messageBox(message);
+        return false;
+    }
+
+    m_programId = programId;
+    const String shared = getSharedDataFolder();
+    if (!folderExists(shared)) createFolders(shared);
+
+    m_userDataDir = settleFolder(*this, "UserDataDir", joinPath(getBaseUserFolder(), "Cantorix"));
+    m_displayProfilesDir =
+        settleFolder(*this, "DisplayProfilesDir", joinPath(m_userDataDir, "Display Profiles"));
+    m_songDatabaseDir =
+        settleFolder(*this, "SongDatabaseDir", joinPath(m_userDataDir, "Song Database"));
+    m_imageDatabaseDir =
+        settleFolder(*this, "ImageDatabaseDir", joinPath(m_userDataDir, "Image Database"));
+    m_bibleDatabaseDir =
+        settleFolder(*this, "BibleDatabaseDir", joinPath(m_userDataDir, "Bible Database"));
+    m_mediaDatabaseDir =
+        settleFolder(*this, "MediaDatabaseDir", joinPath(m_userDataDir, "Media Database"));
+    m_logFilesDir = settleFolder(*this, "LogFilesDir", joinPath(m_userDataDir, "Log Files"));
+
+    const String songFiles = getSongDatabaseFilesDir();
+    if (!folderExists(songFiles)) createFolders(songFiles);
+    return true;
+}
+
+String SongConfig::getSongDatabaseFilesDir() const {
+    return joinPath(m_songDatabaseDir, SongFilesFolderName);
+}
+
+}  // namespace melodex
