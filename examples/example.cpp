@@ -1,5 +1,6 @@
 // A small tour of the library: reads an INI file and a text file in any of
-// the encodings found in the wild, and prints what it found.
+// the encodings found in the wild and prints what it found, then builds a
+// song in memory, with chords over its words, and prints it transposed.
 //
 //     melodex_example hymn.ini lines-utf16.txt
 
@@ -54,9 +55,46 @@ int showText(const String& path) {
     std::printf("%s: %s\n", path.c_str(), encodingName(file.detectedEncoding()));
     String line;
     for (int number = 1; file.readLine(line); ++number) {
-        std::printf("  %2d  %-40s (%zu characters)\n", number, line.c_str(), codePointLength(line));
+        // Pad by characters, not bytes, so accented and Cyrillic lines align.
+        const std::size_t length = codePointLength(line);
+        const String padding(length < 40 ? 40 - length : 0, ' ');
+        std::printf("  %2d  %s%s (%zu characters)\n", number, line.c_str(), padding.c_str(),
+                    length);
     }
     return 0;
+}
+
+// A line of lyrics with chords at the characters they stand over:
+// {{0, "D"}, {8, "G"}} puts D over the first letter and G over the ninth.
+SongLine* lyricLine(const String& text, std::initializer_list<std::pair<int, const char*>> chords) {
+    auto* line = new SongLine();
+    line->setText(text);
+    for (const auto& [offset, symbol] : chords)
+        line->addChord(SongChord(symbol, offset));
+    return line;
+}
+
+void showSong() {
+    Song song;
+    song.info().setTitle("Jésus, ta grâce");
+    song.info().setAuthor("Example");
+    song.info().setKey("D");
+
+    auto* verse = new SongSection(1);
+    verse->addLine(lyricLine("Jésus, ta grâce est là", {{0, "D"}, {7, "G"}, {17, "A"}}));
+    verse->addLine(lyricLine("Amazing grace, how sweet the sound",
+                             {{0, "D"}, {8, "D7"}, {19, "G/B"}, {29, "D"}}));
+    song.addSection(verse);
+    auto* chorus = new SongSection(2);
+    chorus->addLine(lyricLine("Святый Боже, святый крепкий", {{0, "Bm"}, {13, "Em7"}, {21, "A"}}));
+    song.addSection(chorus);
+    song.generateSectionIDs();
+
+    std::printf("\n%s\n\n", song.toString().c_str());
+    std::printf("%s\n", chordSheet(song).c_str());
+    song.transpose(3);
+    std::printf("Transposed up three semitones (%s):\n\n%s", song.info().keyName(0).c_str(),
+                chordSheet(song).c_str());
 }
 
 }  // namespace
@@ -68,5 +106,6 @@ int main(int argc, char** argv) {
     }
     const int iniResult = showIni(argv[1]);
     const int textResult = showText(argv[2]);
+    showSong();
     return iniResult != 0 || textResult != 0 ? 1 : 0;
 }
