@@ -114,7 +114,9 @@ TEST(SongLineTest, AttributeGettersFallBackToDefaults) {
     line.setAttribute("Size", "14pt");
     line.setAttribute("flag", "yes");
     EXPECT_FALSE(line.getBooleanAttribute("flag", true));  // not a number: 0
+    EXPECT_EQ(line.getIntegerAttribute("flag", 5), 0);     // the same reading
     EXPECT_TRUE(line.getBooleanAttribute("missing", true));
+    EXPECT_EQ(line.getIntegerAttribute("missing", 5), 5);
     EXPECT_EQ(line.getIntegerAttribute("SIZE", 0), 14);
     EXPECT_EQ(line.getStringAttribute("missing", "x"), "x");
     ASSERT_EQ(line.attributes().size(), 2u);

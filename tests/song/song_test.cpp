@@ -126,6 +126,8 @@ TEST(SongTest, ClearResetsAllButBookNumberAndLocalSequence) {
     EXPECT_EQ(song.info().key(), "");  // a cleared info has no key
     EXPECT_EQ(song.book(), someBook());
     EXPECT_EQ(song.numberInBook(), 7);
+    song.book(nullptr);
+    EXPECT_EQ(song.numberInBook(), 0);
     EXPECT_EQ(song.localSequence(), "V1,V1");
 }
 
@@ -140,12 +142,15 @@ TEST(SongTest, CopiesAreDeepAndSkipTheBookLink) {
     Song target;
     target.setLocalSequence("V1");
     target = *source;
-    const Song constructed(*source);
-    const Song* const copies[] = {&target, &constructed};
-    for (const Song* copy : copies) {
+    Song constructed(*source);
+    Song* const copies[] = {&target, &constructed};
+    for (Song* copy : copies) {
         EXPECT_EQ(copy->info().title(), "Amazing Grace");
-        EXPECT_EQ(copy->numberInBook(), 12);
         EXPECT_EQ(copy->book(), nullptr);
+        EXPECT_EQ(copy->numberInBook(), 0);  // not in a book, yet the number was copied
+        copy->book(someBook());
+        EXPECT_EQ(copy->numberInBook(), 12);
+        copy->book(nullptr);
         EXPECT_EQ(idsOf(*copy), "V1 C1 ");
         for (int i = 0; i < copy->getSectionCount(); ++i) {
             const SongSection* section = copy->getSection(i);

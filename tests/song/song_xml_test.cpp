@@ -126,7 +126,7 @@ TEST(SongXmlTest, WritesSectionAttributesOnlyWhenTheirConditionHolds) {
     SongSection odd(42);
     odd.id("say \"x\"\\");
     EXPECT_EQ(odd.writeToText(SongFileType::Song),
-              "\n<block type=\"Verse\" id=\"say \\\"x\\\"\\\\\">\n</block>\n");
+              "\n<block type=\"Verse\" id=\"say &quot;x&quot;\\\">\n</block>\n");
 }
 
 TEST(SongXmlTest, WritesLineAttributesWithABlankBeforeEachName) {
@@ -137,11 +137,17 @@ TEST(SongXmlTest, WritesLineAttributesWithABlankBeforeEachName) {
     line.repeat(2);
     line.setAttribute("Singers", "ignored: the field is written instead");
     line.setAttribute("chordsize", Value(12));
-    line.setAttribute("note", "say \"loud\"");
+    line.setAttribute("note", "say \"loud\" & C:\\x");
     line.setAttribute("REPEAT", "ignored too");
-    EXPECT_EQ(line.writeToText(SongFileType::Song),
+    const String written = line.writeToText(SongFileType::Song);
+    EXPECT_EQ(written,
               "<line singers=\"Women\" indent=\"1\" repeat=\"2\" chordsize=\"12\""
-              " note=\"say \\\"loud\\\"\">Hosanna</line>\n");
+              " note=\"say &quot;loud&quot; &amp; C:\\x\">Hosanna</line>\n");
+    // ... and an awkward value reads back as it was, not doubled or cut.
+    Song song;
+    ASSERT_EQ(song.loadFromXmlString("<song><block>" + written + "</block></song>"), 0u);
+    EXPECT_EQ(song.getSection(0)->getLine(0)->getStringAttribute("note", ""),
+              "say \"loud\" & C:\\x");
 
     // Chord texts are escaped and offsets count characters, not bytes.
     SongLine accented;

@@ -16,8 +16,8 @@
 // exactly one well-formed document: text or a second element beside the root
 // element makes them fail with StatusXmlMalformed, so that plain text that
 // merely begins with an element is not taken for XML. Comments, processing
-// instructions, the document type declaration and text nodes that hold only
-// blanks are not kept.
+// instructions and the document type declaration are not kept; text nodes
+// that hold only blanks are (in a song line they are lyrics).
 //
 // An XmlNode points into its XmlFile: it stays valid while that file lives
 // and is not loaded again.

@@ -86,8 +86,9 @@ public:
     SongBook* book() const { return m_book; }
     void book(SongBook* book) { m_book = book; }
     bool isInBook() const { return m_book != nullptr; }
-    // 0 when not in a book.
-    int numberInBook() const { return m_numberInBook; }
+    // 0 when not in a book, whatever number is stored: a copy keeps the
+    // number but not the book, and shows it again once put in a book.
+    int numberInBook() const { return m_book != nullptr ? m_numberInBook : 0; }
     void numberInBook(int number) { m_numberInBook = number; }
 
     int getPageCount() const { return m_pageCount; }

@@ -155,7 +155,7 @@ bool SongLine::getBooleanAttribute(std::string_view name, bool defaultValue) con
 
 int SongLine::getIntegerAttribute(std::string_view name, int defaultValue) const {
     const LineAttribute* found = findAttribute(name);
-    return found == nullptr ? defaultValue : found->value.toInteger(defaultValue);
+    return found == nullptr ? defaultValue : found->value.toInteger(0);
 }
 
 String SongLine::getStringAttribute(std::string_view name, std::string_view defaultValue) const {

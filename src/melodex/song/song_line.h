@@ -115,8 +115,8 @@ public:
     bool getAttribute(std::string_view name, Value& out) const;
     // The integer reading compared with 0; the default when the name is absent.
     bool getBooleanAttribute(std::string_view name, bool defaultValue) const;
-    // The integer reading; the default when the name is absent or the value
-    // does not start with a number.
+    // The integer reading (0 for a value that does not start with a number);
+    // the default only when the name is absent.
     int getIntegerAttribute(std::string_view name, int defaultValue) const;
     String getStringAttribute(std::string_view name, std::string_view defaultValue) const;
 

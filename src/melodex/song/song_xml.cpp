@@ -7,6 +7,7 @@
 #include <string>
 
 #include "melodex/foundation/text_file.h"
+#include "melodex/foundation/xml.h"
 #include "melodex/song/opensong_lyrics.h"
 #include "melodex/song/vocabulary.h"
 
@@ -30,11 +31,18 @@ std::string_view sectionElement(int fileType) {
     }
 }
 
+// Attribute values are wrapped in double quotes. A backslash before a quote,
+// as a string library would escape it, means nothing to an XML reader: the
+// value would end early and the whole song would read back as plain text,
+// and every backslash would double on each save. Entities are what XML
+// understands, and for the usual values (ids, words, numbers) the bytes are
+// the same.
 void appendAttribute(String& out, std::string_view name, std::string_view value) {
     out += ' ';
     out += name;
-    out += '=';
-    out += quote(value);
+    out += "=\"";
+    out += XmlString::encode(value);
+    out += '"';
 }
 
 bool isReservedLineAttribute(std::string_view name) {
