@@ -3,6 +3,8 @@
 #include <fmt/core.h>
 #include <CLI/CLI.hpp>
 
+#include "library_commands.h"
+#include "set_commands.h"
 #include "song_commands.h"
 
 int main(int argc, char** argv) {
@@ -10,6 +12,8 @@ int main(int argc, char** argv) {
     app.set_version_flag("--version", "melodex " MELODEX_VERSION);
     app.require_subcommand(0);
     melodex::cli::addSongCommands(app);
+    melodex::cli::addLibraryCommands(app);
+    melodex::cli::addSetCommands(app);
 
     try {
         app.parse(argc, argv);

@@ -13,7 +13,9 @@ AppConfig::AppConfig(String programPath) : m_programPath(std::move(programPath))
 
 AppConfig::~AppConfig() = default;
 
-String AppConfig::programFolder() const { return folderOf(m_programPath); }
+String AppConfig::programFolder() const {
+    return folderOf(m_programPath);
+}
 
 String AppConfig::getProductValue(std::string_view name) const {
     return m_productValues.getString(name);
@@ -54,9 +56,13 @@ String AppConfig::getResourceFilePath(std::string_view fileName) const {
     return joinPath(programFolder, fileName);
 }
 
-String AppConfig::getBaseUserFolder() const { return SystemInfo::baseUserFolder(); }
+String AppConfig::getBaseUserFolder() const {
+    return SystemInfo::baseUserFolder();
+}
 
-String AppConfig::getSharedDataFolder() const { return SystemInfo::sharedDataFolder(); }
+String AppConfig::getSharedDataFolder() const {
+    return SystemInfo::sharedDataFolder();
+}
 
 String AppConfig::getSettingsString(std::string_view name, std::string_view defaultValue) const {
     return m_settings.getString(name, defaultValue);

@@ -6,5 +6,6 @@ namespace melodex {
 // each after those it uses.
 Melodex theBaseApp;
 SongConfig theAppConfig;  // registers its string table with theBaseApp
+SongDatabase theSongDB;   // its folders come from theAppConfig when it opens
 
 }  // namespace melodex

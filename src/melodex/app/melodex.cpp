@@ -4,6 +4,7 @@
 
 #include "melodex/app/string_tables.h"
 #include "melodex/foundation/file_system.h"
+#include "melodex/library/song_database.h"
 #include "melodex/music/notes.h"
 #include "melodex/platform/dialogs.h"
 #include "melodex/platform/headless_dialogs.h"
@@ -92,21 +93,29 @@ String Melodex::getSettingsString(const String& name, const String& defaultValue
     return m_settings.getString(name, defaultValue);
 }
 
-Dialogs& Melodex::dialogs() const { return m_dialogs ? *m_dialogs : headlessDialogs(); }
+Dialogs& Melodex::dialogs() const {
+    return m_dialogs ? *m_dialogs : headlessDialogs();
+}
 
-void Melodex::setDialogs(Dialogs* dialogs) { m_dialogs = dialogs; }
+void Melodex::setDialogs(Dialogs* dialogs) {
+    m_dialogs = dialogs;
+}
 
 ProcessLauncher& Melodex::processLauncher() const {
     return m_launcher ? *m_launcher : systemLauncher();
 }
 
-void Melodex::setProcessLauncher(ProcessLauncher* launcher) { m_launcher = launcher; }
+void Melodex::setProcessLauncher(ProcessLauncher* launcher) {
+    m_launcher = launcher;
+}
 
 String Melodex::siblingProgramFolder() const {
     return m_siblingProgramFolder.empty() ? SystemInfo::programFolder() : m_siblingProgramFolder;
 }
 
-void Melodex::setSiblingProgramFolder(const String& folder) { m_siblingProgramFolder = folder; }
+void Melodex::setSiblingProgramFolder(const String& folder) {
+    m_siblingProgramFolder = folder;
+}
 
 bool Melodex::isSongFile(const String& name) const {
     return endsWithIgnoreCase(name, ".song") || endsWithIgnoreCase(name, ".txt");
@@ -176,6 +185,17 @@ bool Melodex::viewSong(const String& path) {
     const String viewer =
         joinPath(siblingProgramFolder(), SystemInfo::executableName(ViewerProgramName));
     return processLauncher().start(viewer, {path}, LaunchWait::No).started;
+}
+
+bool Melodex::editSong(SongDBFileEntry* entry) {
+    if (!entry) return false;
+    const bool changed = editSong(entry->path());
+    if (changed) entry->database()->reload(entry);
+    return changed;
+}
+
+bool Melodex::viewSong(SongDBFileEntry* entry) {
+    return entry && viewSong(entry->path());
 }
 
 }  // namespace melodex

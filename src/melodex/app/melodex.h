@@ -30,6 +30,7 @@ namespace melodex {
 
 class Dialogs;
 class Song;
+class SongDBFileEntry;
 
 // The filter of the dialogs that open or import song files, exactly as the
 // programs have always shown it (the doubled closing parentheses included).
@@ -147,6 +148,11 @@ public:
     // started.
     bool viewSong(const String& path);
 
+    // The same for a song of the library. When the editor changed the file,
+    // the library reads it again (SongDatabase::reload), so that it lists
+    // the new title, first line and index entries. False for null.
+    bool editSong(SongDBFileEntry* entry);
+    bool viewSong(SongDBFileEntry* entry);
 
 private:
     Dialogs* m_dialogs = nullptr;

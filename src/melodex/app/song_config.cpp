@@ -50,9 +50,13 @@ String settleFolder(const SongConfig& config, const char* settingName, const Str
 
 }  // namespace
 
-SongConfig::SongConfig() : AppConfig() { configure(); }
+SongConfig::SongConfig() : AppConfig() {
+    configure();
+}
 
-SongConfig::SongConfig(String programPath) : AppConfig(std::move(programPath)) { configure(); }
+SongConfig::SongConfig(String programPath) : AppConfig(std::move(programPath)) {
+    configure();
+}
 
 SongConfig::SongConfig(const SongConfig& other) = default;
 
@@ -61,7 +65,8 @@ SongConfig& SongConfig::operator=(const SongConfig& other) = default;
 SongConfig::~SongConfig() = default;
 
 void SongConfig::configure() {
-    for (const ProductDefault& value : ProductDefaults) setProductValue(value.name, value.value);
+    for (const ProductDefault& value : ProductDefaults)
+        setProductValue(value.name, value.value);
 
     const String programFolder = this->programFolder();
     for (const String& folder : {programFolder, folderOf(programFolder)}) {
@@ -72,11 +77,10 @@ void SongConfig::configure() {
         }
     }
 
-    setProductInfo(ProductInfo{getProductValue("PRODUCT_NAME"),
-                               getProductNumber("PRODUCT_MAJOR_VERSION"),
-                               getProductNumber("PRODUCT_MINOR_VERSION"),
-                               getProductNumber("PRODUCT_REVISION"),
-                               getProductNumber("PRODUCT_BUILD")});
+    setProductInfo(
+        ProductInfo{getProductValue("PRODUCT_NAME"), getProductNumber("PRODUCT_MAJOR_VERSION"),
+                    getProductNumber("PRODUCT_MINOR_VERSION"), getProductNumber("PRODUCT_REVISION"),
+                    getProductNumber("PRODUCT_BUILD")});
 
     theBaseApp.addStringTable(getResourceFilePath(LibraryStringTable), true);
 }

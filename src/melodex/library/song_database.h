@@ -1,0 +1,240 @@
+#pragma once
+
+// The song library: a folder of song files that the library owns (its song
+// files folder, "Song Files" in the song database folder), an index file
+// that caches a summary of every song so that the library opens without
+// reading every song, and in memory one file entry per song file and a
+// sorted list of searchable text entries (titles, first lines, index
+// entries). The one instance the programs share is the global theSongDB.
+//
+//     if (!theAppConfig.init(ProgramId)) return 1;
+//     theSongDB.open();
+//     for (SongDBTextEntry* text : theSongDB.entries())
+//         std::cout << text->text() << '\n';          // sorted, ignoring blanks and case
+//     theSongDB.importFile("/home/ann/Hymn.txt", true, true);  // a copy in "Song Files"
+//     theSongDB.close();                               // saves the index when it changed
+//
+// The index is "songdb-" + host name + ".ini" in the song database folder,
+// one section per song named by its uuid, so several computers that share
+// one data folder each keep their own index over the same song files. It is
+// written whole and atomically: a reader, or another program writing its own
+// index, never sees half a file.
+//
+// Songs come in only by import: the song is written as a new ".song" file
+// into the song files folder, named after its title or its source file
+// ("Hymn.song", "Hymn 2.song" ...). Removing a song deletes the library's
+// copy. The library owns its file entries, their songs and the text
+// entries; a pointer handed out stays valid until that entry is removed or
+// the library is closed or opened again.
+//
+// Where the library lies is settled by open(): the folder set with
+// setDatabaseFolder(), else theAppConfig's song database folder; the host
+// name set with setHostName(), else the computer's.
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <ranges>
+#include <set>
+#include <unordered_map>
+#include <vector>
+
+#include "melodex/foundation/file_system.h"
+#include "melodex/foundation/ini_file.h"
+#include "melodex/foundation/status.h"
+#include "melodex/foundation/text.h"
+#include "melodex/library/song_db_file_entry.h"
+#include "melodex/library/song_db_text_entry.h"
+
+namespace melodex {
+
+class Song;
+
+class SongDatabase {
+public:
+    // Called by importFolder once for every song file it tries, with its
+    // path and whether it was imported.
+    using ImportProgress = std::function<void(const String& path, bool imported)>;
+
+    SongDatabase();
+    SongDatabase(const SongDatabase&) = delete;
+    SongDatabase& operator=(const SongDatabase&) = delete;
+    // Deletes the entries without saving: programs call close() first.
+    virtual ~SongDatabase();
+
+    // --- Where the library lies ------------------------------------------------
+
+    // The song database folder, and the host name that names the index;
+    // empty means theAppConfig's folder and the computer's name. Both take
+    // effect at the next open().
+    void setDatabaseFolder(const String& folder) { m_databaseFolder = folder; }
+    void setHostName(const String& hostName) { m_hostName = hostName; }
+
+    // The folders and the index file of the library as open() settled them
+    // (before that, as it would settle them now).
+    String databaseFolder() const;
+    String songFilesFolder() const;
+    String indexPath() const;
+
+    // --- Opening and saving ------------------------------------------------------
+
+    // Reads the index, drops the entries whose song file is gone, adds and
+    // refreshes entries from the song files folder, sorts the text entries
+    // and saves the index when anything changed. A missing index or song
+    // files folder is no error. Opening an open library closes it first.
+    // Always 0.
+    unsigned open();
+    // Saves the index when it changed and deletes every entry. Always 0.
+    unsigned close();
+    // Saves the index. Always 0.
+    unsigned flush();
+
+    // True when the index in memory differs from the index file.
+    bool changed() const { return m_changed; }
+    void changed(bool changed) { m_changed = changed; }
+
+    // --- The entries ---------------------------------------------------------------
+
+    // The file entries in the order they were added, and the text entries
+    // (sorted after open() and sortTextEntries()), as ranges of pointers:
+    //     for (SongDBFileEntry* file : theSongDB.files()) ...
+    auto files() const {
+        return std::views::transform(
+            m_files, [](const std::unique_ptr<SongDBFileEntry>& file) { return file.get(); });
+    }
+    auto entries() const {
+        return std::views::transform(
+            m_entries, [](const std::unique_ptr<SongDBTextEntry>& text) { return text.get(); });
+    }
+    int getFileCount() const { return int(m_files.size()); }
+    int getEntryCount() const { return int(m_entries.size()); }
+
+    // The first file entry (in the order of files()) whose uuid, or whose
+    // file name without folder, equals the text ignoring case; null when
+    // none does. Hashed: the cost does not grow with the library.
+    SongDBFileEntry* findEntryByUUID(const String& uuid) const;
+    SongDBFileEntry* findEntryByFilename(const String& name) const;
+
+    // Takes every text entry of `file` out of the library's list and out of
+    // the file's own list. With deleteThem they are deleted; without, the
+    // caller, which must have kept the pointers, owns them from now on.
+    void removeTextEntriesForFile(SongDBFileEntry* file, bool deleteThem);
+
+    // Sorts the text entries by their texts with every blank removed,
+    // ignoring case; equal texts keep their order.
+    void sortTextEntries();
+
+    // Takes the song out of the library and deletes its song file (the
+    // library's own copy); with `save` the index is saved. An entry that is
+    // not this library's is left alone.
+    void removeEntry(SongDBFileEntry* file, bool save);
+
+    // Reads an entry's song file again after it was edited: the held song
+    // (the same object, so pointers to it stay valid) takes the new
+    // contents, the text entries and the index section are made anew, the
+    // list is sorted and the index saved. A file that no longer reads as a
+    // song leaves the entry as it was.
+    void reload(SongDBFileEntry* file);
+
+    // --- Imports -------------------------------------------------------------------
+
+    // Copies a song file of any readable kind into the song files folder as
+    // a ".song" file and adds it. The copy is named after the song's title
+    // with nameByTitle (when it has one), else after the source file; a name
+    // in use gets " 2", " 3" ... A song without a uuid gets a fresh one. Null
+    // when the file does not read as a song, or when its uuid is already in
+    // the library (the song was imported before; nothing is written). With
+    // `save` the index is saved. The text entries are not sorted.
+    SongDBFileEntry* importFile(const String& path, bool save, bool nameByTitle);
+
+    // importFile for a song already in memory; `sourcePath` is the file it
+    // came from, whose name serves when the song is not named by its title.
+    // The song is given a uuid when it has none; the library keeps a copy.
+    SongDBFileEntry* importSong(Song& song, const String& sourcePath, bool save, bool nameByTitle);
+
+    // Imports every ".song", ".sng", ".xml" and ".txt" file of the folder
+    // and of its sub-folders, to any depth (a folder reached twice through
+    // links is read once), showing the wait cursor. True when at least one
+    // file was imported. The index is not saved.
+    bool importFolder(const String& folder);
+    bool importFolder(const String& folder, const ImportProgress& progress);
+
+    // Asks for song files (several at once) or for a folder through
+    // theBaseApp's dialogs, imports them and saves the index when anything
+    // was imported. Cancel does nothing.
+    void selectAndImportFiles();
+    void selectAndImportFolder();
+
+    // For programs that read the lists from another thread: lock this while
+    // doing so. The library's own operations do not take it; they are meant
+    // for the user-interface thread.
+    std::recursive_mutex& mutex() const { return m_mutex; }
+
+protected:
+    // Writes the index file; `changed` is cleared when that succeeded. 0 or
+    // the status of the failed write.
+    [[nodiscard]] Status saveDatabaseFiles();
+
+    // Reads a song file of the song files folder into a new entry and writes
+    // its index section; null when it is not a song.
+    SongDBFileEntry* addFileEntry(const String& path);
+
+    // Makes a text entry and appends it to the library's list (unsorted)
+    // and to the file's own list.
+    SongDBTextEntry* addTextEntry(SongDBFileEntry* file, int type, const String& text);
+
+    // Adds the ".song" files of the song files folder that the index does
+    // not know, and refreshes those changed since the index was written.
+    void scanSongFolder();
+
+private:
+    friend class SongDBFileEntry;
+
+    // Where a key of a lookup first appears in files(), and how many
+    // entries share it (a uuid or a file name is normally unique).
+    struct Slot {
+        SongDBFileEntry* first = nullptr;
+        int count = 0;
+    };
+    using Lookup = std::unordered_map<String, Slot, CaseInsensitiveHash, CaseInsensitiveEqual>;
+
+    SongDBFileEntry* addFileEntry(const String& path, std::shared_ptr<Song> loaded);
+    // scanSongFolder() over a listing of the folder already made.
+    void scanSongFolder(const std::vector<FolderItem>& items);
+    void refreshEntry(SongDBFileEntry* file, const LocalTime& modified);
+    // Gives the entry's song a uuid that no other entry has, written into
+    // its file, when another entry has its uuid (a song file copied inside
+    // the folder).
+    void makeUuidUnique(SongDBFileEntry* file);
+    bool importFolderTree(const String& folder, const ImportProgress& progress,
+                          std::set<String>& visited);
+    bool isOwnEntry(const SongDBFileEntry* file) const;
+
+    void appendFile(std::unique_ptr<SongDBFileEntry> file);
+    void addToLookups(SongDBFileEntry* file);
+    void removeFromLookups(SongDBFileEntry* file);
+    void rebuildLookups() const;
+    SongDBFileEntry* find(Lookup& lookup, const String& key,
+                          const String& (SongDBFileEntry::*field)() const) const;
+    void addKey(Lookup& lookup, const String& key, SongDBFileEntry* file);
+    void removeKey(Lookup& lookup, const String& key, SongDBFileEntry* file,
+                   const String& (SongDBFileEntry::*field)() const);
+
+    bool m_changed = false;
+    std::vector<std::unique_ptr<SongDBFileEntry>> m_files;
+    std::vector<std::unique_ptr<SongDBTextEntry>> m_entries;
+    IniFile m_index;
+    String m_indexPath;
+    String m_databaseFolder;  // as set; empty for the configured one
+    String m_hostName;        // as set; empty for the computer's
+    String m_openFolder;      // as open() settled it
+    String m_openHostName;
+    mutable Lookup m_byUuid;
+    mutable Lookup m_byFilename;
+    mutable std::recursive_mutex m_mutex;
+};
+
+// The one instance, defined with the other globals (app/globals.h).
+extern SongDatabase theSongDB;
+
+}  // namespace melodex

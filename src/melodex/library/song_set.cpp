@@ -1,0 +1,171 @@
+#include "melodex/library/song_set.h"
+
+#include <algorithm>
+
+#include "melodex/foundation/file_system.h"
+#include "melodex/foundation/text_file.h"
+#include "melodex/foundation/xml.h"
+#include "melodex/library/song_database.h"
+#include "melodex/song/song.h"
+
+namespace melodex {
+
+SongSet::SongSet() = default;
+
+SongSet::SongSet(const SongSet& other) {
+    *this = other;
+}
+
+SongSet& SongSet::operator=(const SongSet& other) {
+    if (this == &other) return *this;
+    std::vector<std::unique_ptr<SongSetEntry>> entries;
+    entries.reserve(other.m_entries.size());
+    for (const auto& entry : other.m_entries)
+        entries.push_back(std::make_unique<SongSetEntry>(*entry));
+    m_entries = std::move(entries);
+    m_filename = other.m_filename;
+    return *this;
+}
+
+SongSet::~SongSet() = default;
+
+SongSetEntry& SongSet::add(Song* song, bool owned, bool dbflag) {
+    m_entries.push_back(std::make_unique<SongSetEntry>());
+    m_entries.back()->set(song, owned, dbflag);
+    return *m_entries.back();
+}
+
+SongSetEntry& SongSet::addGap() {
+    m_entries.push_back(std::make_unique<SongSetEntry>());
+    m_entries.back()->type(SongSetEntry::Gap);
+    return *m_entries.back();
+}
+
+SongSetEntry& SongSet::addLine() {
+    m_entries.push_back(std::make_unique<SongSetEntry>());
+    m_entries.back()->type(SongSetEntry::Line);
+    return *m_entries.back();
+}
+
+void SongSet::remove(int index) {
+    if (index < 0 || index >= size()) return;
+    m_entries.erase(m_entries.begin() + index);
+}
+
+void SongSet::move(int from, int to) {
+    if (from < 0 || from >= size() || to < 0 || to >= size()) return;
+    std::unique_ptr<SongSetEntry> entry = std::move(m_entries[std::size_t(from)]);
+    m_entries.erase(m_entries.begin() + from);
+    m_entries.insert(m_entries.begin() + to, std::move(entry));
+}
+
+void SongSet::clear() {
+    m_entries.clear();
+    m_filename.clear();
+}
+
+String SongSet::getFileXmlNamespace(int) {
+    return "brackwell/songset";
+}
+
+Status SongSet::saveToFile(const String& path, bool useFilenames) {
+    TextFile file;
+    if (const Status status = file.open(path, TextFile::Mode::Write); status != StatusSuccess)
+        return status;
+    m_filename = path;
+    file.write("<?xml version=\"1.0\"?>\n");
+    file.write("<songset xmlns=" + quote(getFileXmlNamespace()) + ">\n");
+    for (const auto& entry : m_entries)
+        file.write(entry->writeToText(useFilenames, path));
+    file.write("</songset>\n");
+    return file.close();
+}
+
+Status SongSet::loadFromFile(const String& path) {
+    clear();
+    XmlFile file;
+    if (const Status status = file.load(path); status != StatusSuccess) return status;
+    m_filename = path;
+    // A document has one top-level element (XmlFile refuses anything else).
+    const XmlNode root = file.root();
+    if (!equalsIgnoreCase(root.name(), "songset")) return StatusFailed;
+    for (const XmlNode& child : root.childElements()) {
+        const String name = child.name();
+        if (equalsIgnoreCase(name, "song")) {
+            processSongNode(child);
+        } else if (equalsIgnoreCase(name, "songentry")) {
+            processSongEntryNode(child);
+        } else if (equalsIgnoreCase(name, "gap")) {
+            processGapNode(child);
+        } else if (equalsIgnoreCase(name, "line")) {
+            processLineNode(child);
+        }
+    }
+    return StatusSuccess;
+}
+
+String SongSet::resolvePath(const String& path) const {
+    if (path.empty() || isAbsolutePath(path)) return path;
+    // Sets written on Windows separate folders with backslashes.
+    return joinPath(folderOf(m_filename), replaceAll(path, "\\", "/"));
+}
+
+namespace {
+
+// A song read from a path in a set file; null when there is no such regular
+// file or it does not read. Devices and pipes are refused: a set file must
+// not make the reader wait or read without end.
+std::unique_ptr<Song> loadSongFile(const String& path) {
+    if (!fileExists(path)) return nullptr;
+    auto song = std::make_unique<Song>();
+    if (song->loadFromFile(path) != StatusSuccess) return nullptr;
+    return song;
+}
+
+}  // namespace
+
+void SongSet::processSongEntryNode(const XmlNode& node) {
+    if (const XmlNode filename = node.findChild("filename")) {
+        std::unique_ptr<Song> song = loadSongFile(resolvePath(strip(filename.text())));
+        if (!song) return;
+        readAttributes(node, add(song.release(), true, false));
+    } else if (const XmlNode database = node.findChild("database")) {
+        // The library keeps its songs; a song it no longer has drops out.
+        SongDBFileEntry* file = theSongDB.findEntryByUUID(strip(database.text()));
+        if (!file) return;
+        readAttributes(node, add(file->song(), false, true));
+    } else if (const XmlNode embedded = node.findChild("song")) {
+        auto song = std::make_unique<Song>();
+        // A new song holds a default key; an embedded song without one must
+        // not gain it.
+        song->clear();
+        if (song->loadFromXmlNode(embedded) != StatusSuccess) return;
+        readAttributes(node, add(song.release(), true, false));
+    }
+}
+
+void SongSet::processSongNode(const XmlNode& node) {
+    std::unique_ptr<Song> song = loadSongFile(resolvePath(strip(node.text())));
+    if (!song) return;
+    readAttributes(node, add(song.release(), true, false));
+}
+
+void SongSet::processGapNode(const XmlNode&) {
+    addGap();
+}
+
+void SongSet::processLineNode(const XmlNode&) {
+    addLine();
+}
+
+void SongSet::readAttributes(const XmlNode& node, SongSetEntry& entry) {
+    // Added to the new entry's 0, as the relative change it is.
+    if (node.hasAttribute("transpose")) entry.transpose(toInteger(node.attribute("transpose")));
+    if (node.hasAttribute("capo")) entry.setCapo(toInteger(node.attribute("capo")));
+    if (node.hasAttribute("tempo")) entry.tempo(toInteger(node.attribute("tempo")));
+    if (node.hasAttribute("localtranspose"))
+        entry.setLocalTranspose(toInteger(node.attribute("localtranspose")));
+    if (node.hasAttribute("sequence")) entry.sequence(node.attribute("sequence"));
+}
+
+}  // namespace melodex

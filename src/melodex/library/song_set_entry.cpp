@@ -1,0 +1,140 @@
+#include "melodex/library/song_set_entry.h"
+
+#include <filesystem>
+#include <string>
+#include <system_error>
+
+#include "melodex/foundation/file_system.h"
+#include "melodex/foundation/xml.h"
+#include "melodex/song/song.h"
+
+namespace melodex {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// An attribute value in double quotes. XML-escaped rather than escaped with
+// backslashes, which an XML reader would not undo: what is written reads
+// back unchanged.
+void appendAttribute(String& out, std::string_view name, std::string_view value) {
+    out += ' ';
+    out += name;
+    out += "=\"";
+    out += XmlString::encode(value);
+    out += '"';
+}
+
+}  // namespace
+
+SongSetEntry::SongSetEntry(Song* song, bool owned) {
+    set(song, owned, false);
+}
+
+SongSetEntry::SongSetEntry(const SongSetEntry& other) {
+    *this = other;
+}
+
+SongSetEntry& SongSetEntry::operator=(const SongSetEntry& other) {
+    if (this == &other) return *this;
+    // A library song is shared; an owned one is copied, so that each entry
+    // deletes only its own.
+    std::unique_ptr<Song> copy;
+    if (other.m_ownedSong) copy = std::make_unique<Song>(*other.m_ownedSong);
+    m_ownedSong = std::move(copy);
+    m_song = m_ownedSong ? m_ownedSong.get() : other.m_song;
+    m_type = other.m_type;
+    m_transpose = other.m_transpose;
+    m_capo = other.m_capo;
+    m_tempo = other.m_tempo;
+    m_localTranspose = other.m_localTranspose;
+    m_sequence = other.m_sequence;
+    m_dbflag = other.m_dbflag;
+    return *this;
+}
+
+SongSetEntry::~SongSetEntry() = default;
+
+void SongSetEntry::set(Song* song, bool owned, bool dbflag) {
+    // Setting the song the entry already owns must not delete it.
+    if (song && song == m_ownedSong.get()) (void)m_ownedSong.release();
+    clear();
+    m_song = song;
+    if (song && owned) m_ownedSong.reset(song);
+    m_dbflag = dbflag;
+    if (song) m_type = SongItem;
+}
+
+void SongSetEntry::clear() {
+    m_ownedSong.reset();
+    m_song = nullptr;
+    m_type = Empty;
+    m_transpose = 0;
+    m_capo = 0;
+    m_tempo = 0;
+    m_localTranspose = 0;
+    m_sequence.clear();
+    m_dbflag = false;
+}
+
+void SongSetEntry::transpose(int n) {
+    if (m_song) m_transpose += n;
+}
+
+void SongSetEntry::adjustCapo(int n) {
+    if (m_song) m_capo += n;
+}
+
+void SongSetEntry::adjustLocalTranspose(int n) {
+    if (m_song) m_localTranspose += n;
+}
+
+String SongSetEntry::getSequence() const {
+    if (!m_sequence.empty()) return m_sequence;
+    return m_song ? m_song->getSequence() : String();
+}
+
+String SongSetEntry::writeToText(bool useFilename, const String& setPath) const {
+    switch (m_type) {
+        case Gap:
+            return "<gap></gap>\n";
+        case Line:
+            return "<line></line>\n";
+        case SongItem:
+            if (m_song) break;
+            return {};
+        default:
+            return {};
+    }
+
+    String out = "<songentry";
+    if (m_transpose != 0) appendAttribute(out, "transpose", std::to_string(m_transpose));
+    if (m_capo != 0) appendAttribute(out, "capo", std::to_string(m_capo));
+    if (m_tempo != 0) appendAttribute(out, "tempo", std::to_string(m_tempo));
+    if (m_localTranspose != 0)
+        appendAttribute(out, "localtranspose", std::to_string(m_localTranspose));
+    if (!m_sequence.empty()) appendAttribute(out, "sequence", m_sequence);
+    out += ">\n";
+
+    if (m_dbflag) {
+        out += "<database>";
+        out += XmlString::encode(m_song->uuid());
+        out += "</database>\n";
+    } else if (useFilename && !m_song->filename().empty()) {
+        String path = m_song->filename();
+        if (isAbsolutePath(path)) {
+            std::error_code error;
+            const fs::path folder = fs::absolute(fs::path(folderOf(setPath)), error);
+            if (!error) path = relativePath(path, folder.string());
+        }
+        out += "<filename>";
+        out += XmlString::encode(path);
+        out += "</filename>\n";
+    } else {
+        out += m_song->saveToText(SongFileType::Song, false);
+    }
+    out += "</songentry>\n";
+    return out;
+}
+
+}  // namespace melodex
