@@ -16,9 +16,22 @@ release: bootstrap
 	cmake --preset release
 	cmake --build --preset release
 
+# The main job: import the sample hymns into the song library of the
+# configured data folder (~/.local/share/Cantorix unless the settings say
+# otherwise), list the library and show a song with its chords. A second run
+# finds every sample already imported and says so.
 run: release
-	$(MELODEX) --version
-	$(EXAMPLE) examples/data/hymn.ini examples/data/lines-utf16.txt
+	@$(MELODEX) --version
+	@echo; echo "== Importing samples/ into the song library"
+	@$(MELODEX) library import samples
+	@echo; echo "== The library"
+	@$(MELODEX) library list
+	@echo; echo "== A song with its chords"
+	@$(MELODEX) library show "Amazing Grace"
+	@echo; echo "== The sample service"
+	@$(MELODEX) set show "samples/Sunday Service.set"
+	@echo; echo "== A tour of the library's classes (examples/example.cpp)"
+	@$(EXAMPLE) examples/data/hymn.ini examples/data/lines-utf16.txt
 
 test: test-dev test-asan
 
