@@ -43,8 +43,8 @@ String decodeXmlBytes(String bytes) {
 // are kept as nodes so that one standing after the root is noticed. Text of
 // blanks is kept too: in a song line the blanks between two chords are
 // lyrics ("Oh <chord>G</chord> <chord>D</chord> Lord").
-constexpr unsigned ParseOptions = pugi::parse_default | pugi::parse_fragment |
-                                  pugi::parse_declaration | pugi::parse_ws_pcdata;
+constexpr unsigned ParseOptions =
+    pugi::parse_default | pugi::parse_fragment | pugi::parse_declaration | pugi::parse_ws_pcdata;
 
 // Checks what the parser accepted in fragment mode: exactly one element at
 // the top, with nothing beside it but blanks and a leading declaration.
@@ -273,6 +273,17 @@ String XmlString::encode(std::string_view text) {
                 break;
         }
     }
+    return out;
+}
+
+String XmlString::attribute(std::string_view name, std::string_view value) {
+    String out;
+    out.reserve(name.size() + value.size() + 4);
+    out += ' ';
+    out += name;
+    out += "=\"";
+    out += encode(value);
+    out += '"';
     return out;
 }
 

@@ -119,6 +119,12 @@ private:
 struct XmlString {
     // Escapes "&", "<", ">" and the double quote as entities.
     static String encode(std::string_view text);
+
+    // An attribute as the writers put it after an element's name: a blank,
+    // the name, "=" and the encoded value in double quotes. Entities, not
+    // backslashes: an XML reader undoes only those, so any value reads back
+    // as it was written.
+    static String attribute(std::string_view name, std::string_view value);
 };
 
 }  // namespace melodex

@@ -12,21 +12,6 @@ namespace melodex {
 
 namespace fs = std::filesystem;
 
-namespace {
-
-// An attribute value in double quotes. XML-escaped rather than escaped with
-// backslashes, which an XML reader would not undo: what is written reads
-// back unchanged.
-void appendAttribute(String& out, std::string_view name, std::string_view value) {
-    out += ' ';
-    out += name;
-    out += "=\"";
-    out += XmlString::encode(value);
-    out += '"';
-}
-
-}  // namespace
-
 SongSetEntry::SongSetEntry(Song* song, bool owned) {
     set(song, owned, false);
 }
@@ -108,12 +93,12 @@ String SongSetEntry::writeToText(bool useFilename, const String& setPath) const 
     }
 
     String out = "<songentry";
-    if (m_transpose != 0) appendAttribute(out, "transpose", std::to_string(m_transpose));
-    if (m_capo != 0) appendAttribute(out, "capo", std::to_string(m_capo));
-    if (m_tempo != 0) appendAttribute(out, "tempo", std::to_string(m_tempo));
+    if (m_transpose != 0) out += XmlString::attribute("transpose", std::to_string(m_transpose));
+    if (m_capo != 0) out += XmlString::attribute("capo", std::to_string(m_capo));
+    if (m_tempo != 0) out += XmlString::attribute("tempo", std::to_string(m_tempo));
     if (m_localTranspose != 0)
-        appendAttribute(out, "localtranspose", std::to_string(m_localTranspose));
-    if (!m_sequence.empty()) appendAttribute(out, "sequence", m_sequence);
+        out += XmlString::attribute("localtranspose", std::to_string(m_localTranspose));
+    if (!m_sequence.empty()) out += XmlString::attribute("sequence", m_sequence);
     out += ">\n";
 
     if (m_dbflag) {

@@ -31,20 +31,6 @@ std::string_view sectionElement(int fileType) {
     }
 }
 
-// Attribute values are wrapped in double quotes. A backslash before a quote,
-// as a string library would escape it, means nothing to an XML reader: the
-// value would end early and the whole song would read back as plain text,
-// and every backslash would double on each save. Entities are what XML
-// understands, and for the usual values (ids, words, numbers) the bytes are
-// the same.
-void appendAttribute(String& out, std::string_view name, std::string_view value) {
-    out += ' ';
-    out += name;
-    out += "=\"";
-    out += XmlString::encode(value);
-    out += '"';
-}
-
 bool isReservedLineAttribute(std::string_view name) {
     return equalsIgnoreCase(name, "singers") || equalsIgnoreCase(name, "indent") ||
            equalsIgnoreCase(name, "repeat");
@@ -78,15 +64,15 @@ String SongLine::writeToText(int fileType) const {
     if (fileType != SongFileType::Song) return m_text + '\n';
 
     String out = "<line";
-    if (m_singers != 0) appendAttribute(out, "singers", singerTypeToString(m_singers));
-    if (m_indent != 0) appendAttribute(out, "indent", std::to_string(m_indent));
-    if (m_repeat != 0) appendAttribute(out, "repeat", std::to_string(m_repeat));
+    if (m_singers != 0) out += XmlString::attribute("singers", singerTypeToString(m_singers));
+    if (m_indent != 0) out += XmlString::attribute("indent", std::to_string(m_indent));
+    if (m_repeat != 0) out += XmlString::attribute("repeat", std::to_string(m_repeat));
     // A blank goes before every further attribute: written without one, as
     // older writers did, the element is no longer XML and the whole song
     // would read back as plain text.
     for (const LineAttribute& attribute : m_attributes) {
         if (!isReservedLineAttribute(attribute.name))
-            appendAttribute(out, attribute.name, attribute.value.toString());
+            out += XmlString::attribute(attribute.name, attribute.value.toString());
     }
     out += '>';
 
@@ -122,16 +108,16 @@ String SongSection::writeToText(int fileType) const {
         out += " type=\"";
         out += sectionTypeToString(m_type);
         out += '"';
-        appendAttribute(out, "id", m_id);
+        out += XmlString::attribute("id", m_id);
         // "singers" has always carried the repeat count and the indent has
         // always been spelt "ident"; readers never took either back. Files
         // exist in this form, so it is kept as it is.
-        if (m_singers != 0) appendAttribute(out, "singers", std::to_string(repeat()));
-        if (repeat() > 1) appendAttribute(out, "repeat", std::to_string(repeat()));
-        if (m_indent != 0) appendAttribute(out, "ident", std::to_string(m_indent));
-        if (m_target != 0) appendAttribute(out, "target", targetToString(m_target, ","));
+        if (m_singers != 0) out += XmlString::attribute("singers", std::to_string(repeat()));
+        if (repeat() > 1) out += XmlString::attribute("repeat", std::to_string(repeat()));
+        if (m_indent != 0) out += XmlString::attribute("ident", std::to_string(m_indent));
+        if (m_target != 0) out += XmlString::attribute("target", targetToString(m_target, ","));
         if (m_spaceBefore != 0)
-            appendAttribute(out, "spacebefore", m_spaceBefore == 1 ? "small" : "large");
+            out += XmlString::attribute("spacebefore", m_spaceBefore == 1 ? "small" : "large");
         if (m_keepWithPrevious) out += " keepwithprevious=\"1\"";
         out += ">\n";
     }
