@@ -2,41 +2,18 @@
 // chords, transposing and copying a whole song.
 
 #include <array>
-#include <string_view>
 
 #include <benchmark/benchmark.h>
 
+#include "bench_songs.h"
 #include "melodex/music/song_chord.h"
 #include "melodex/song/song.h"
 
 namespace {
 
 using namespace melodex;
-
-constexpr std::array<std::string_view, 8> Symbols = {"G",       "D/F#",  "Em7", "Cmaj7(9)",
-                                                     "Abm7/Eb", "Gsus4", "Bb",  "F#m7b5/C"};
-
-// 8 sections of 5 lines, each line with 2 chords: 40 lines, 80 chords.
-Song makeSong() {
-    Song song;
-    song.info().setTitle("Benchmark Hymn");
-    song.info().setKey("G");
-    std::size_t next = 0;
-    for (int s = 0; s < 8; ++s) {
-        auto* section = new SongSection(s % 2 == 0 ? SectionType::Verse : SectionType::Chorus);
-        song.addSection(section);
-        for (int l = 0; l < 5; ++l) {
-            auto* line = new SongLine;
-            section->addLine(line);
-            line->setText("Amazing grace, how sweet the sound that saved a wretch like me");
-            for (int c = 0; c < 2; ++c) {
-                line->addChord(SongChord(Symbols[next++ % Symbols.size()], 10 + c * 25));
-            }
-        }
-    }
-    song.generateSectionIDs();
-    return song;
-}
+using melodex::bench::makeSong;
+using melodex::bench::Symbols;
 
 void BM_ParseChordSymbol(benchmark::State& state) {
     SongChord chord;

@@ -1,41 +1,22 @@
 // Reading and writing a song in memory: the ".song", ".txt" and ".sng"
 // layouts and an OpenSong song, each of 8 sections, 40 lines and 80 chords.
 
-#include <array>
-#include <string_view>
-
 #include <benchmark/benchmark.h>
 
+#include "bench_songs.h"
 #include "melodex/foundation/text_encoding.h"
 #include "melodex/song/song.h"
 
 namespace {
 
 using namespace melodex;
+using melodex::bench::Lyric;
+using melodex::bench::Symbols;
 
-constexpr std::array<std::string_view, 8> Symbols = {"G",       "D/F#",  "Em7", "Cmaj7(9)",
-                                                     "Abm7/Eb", "Gsus4", "Bb",  "F#m7b5/C"};
-constexpr std::string_view Lyric = "Amazing grace, how sweet the sound that saved a wretch like me";
-
-// 8 sections of 5 lines, each line with 2 chords: 40 lines, 80 chords.
+// The benchmark song with an author and an id, as a saved song has them.
 Song makeSong() {
-    Song song;
-    song.info().setTitle("Benchmark Hymn");
+    Song song = bench::makeSong();
     song.info().setAuthor("Anonymous");
-    song.info().setKey("G");
-    std::size_t next = 0;
-    for (int s = 0; s < 8; ++s) {
-        auto* section = new SongSection(s % 2 == 0 ? SectionType::Verse : SectionType::Chorus);
-        song.addSection(section);
-        for (int l = 0; l < 5; ++l) {
-            auto* line = new SongLine;
-            section->addLine(line);
-            line->setText(Lyric);
-            for (int c = 0; c < 2; ++c)
-                line->addChord(SongChord(Symbols[next++ % Symbols.size()], 10 + c * 25));
-        }
-    }
-    song.generateSectionIDs();
     song.generateUUID();
     return song;
 }
@@ -82,8 +63,8 @@ void BM_SaveSong(benchmark::State& state) {
 }
 BENCHMARK(BM_SaveSong)->ArgName("type")->Arg(1)->Arg(2)->Arg(3);
 
-void BM_LoadSong(benchmark::State& state) {
-    const String bytes = fileBytes(int(state.range(0)));
+// Loads `bytes` into one song again and again.
+void loadRepeatedly(benchmark::State& state, const String& bytes) {
     Song song;
     for (auto _ : state) {
         Status status = song.loadFromText(bytes);
@@ -91,16 +72,14 @@ void BM_LoadSong(benchmark::State& state) {
     }
     state.SetBytesProcessed(std::int64_t(state.iterations()) * std::int64_t(bytes.size()));
 }
+
+void BM_LoadSong(benchmark::State& state) {
+    loadRepeatedly(state, fileBytes(int(state.range(0))));
+}
 BENCHMARK(BM_LoadSong)->ArgName("type")->Arg(1)->Arg(2)->Arg(3);
 
 void BM_LoadOpenSong(benchmark::State& state) {
-    const String bytes = makeOpenSong();
-    Song song;
-    for (auto _ : state) {
-        Status status = song.loadFromText(bytes);
-        benchmark::DoNotOptimize(status);
-    }
-    state.SetBytesProcessed(std::int64_t(state.iterations()) * std::int64_t(bytes.size()));
+    loadRepeatedly(state, makeOpenSong());
 }
 BENCHMARK(BM_LoadOpenSong);
 

@@ -5,8 +5,8 @@
 #include "melodex/app/melodex.h"
 #include "melodex/app/string_tables.h"
 #include "melodex/foundation/file_system.h"
-#include "melodex/foundation/ini_file.h"
 #include "melodex/platform/settings_store.h"
+#include "melodex/song/song.h"
 #include "support/scoped_environment.h"
 #include "support/scripted_dialogs.h"
 #include "support/temp_folder.h"
@@ -14,172 +14,119 @@
 namespace melodex {
 namespace {
 
-using test::ScopedEnvironment;
-using test::ScriptedDialogs;
-using test::TempFolder;
-
-constexpr const char* ProductFile =
-    "[Product]\nPRODUCT_NAME=Cantorix Test\nPRODUCT_MAJOR_VERSION=7\nPRODUCT_BUILD=42\n";
-
-// A whole installation in a temporary folder: the program lies in
-// root/install/bin, settings, user data and shared data under root, and the
-// process-wide string tables and dialogs are put back afterwards.
+// A whole installation in a temporary folder: the program in install/bin,
+// settings, user data and shared data beside it. The process-wide string
+// tables and dialogs are put back afterwards.
 class SongConfigTest : public ::testing::Test {
 protected:
-    SongConfigTest() { StringTables::instance().clear(); }
+    SongConfigTest() {
+        StringTables::instance().clear();
+        theBaseApp.setDialogs(&m_dialogs);
+    }
     ~SongConfigTest() override {
         StringTables::instance().clear();
         theBaseApp.setDialogs(nullptr);
     }
 
-    String programPath() const { return m_root.file("install/bin/Scrivel"); }
-    String programFolder() const { return m_root.file("install/bin"); }
-    String baseUserFolder() const { return m_root.file("data"); }
-
-    void setSetting(const char* name, const String& value) {
-        ASSERT_EQ(SettingsStore().setString(name, value), StatusSuccess);
+    SongConfig config() const { return SongConfig(m_root.file("install/bin/Scrivel")); }
+    void writeProductFile(const String& folder = "install/bin/") const {
+        m_root.write(folder + "product.bcf", m_root.read(test::testDataPath("app/product.bcf")));
     }
 
-    TempFolder m_root;
-    ScopedEnvironment m_settings{"MELODEX_SETTINGS_FILE", m_root.file("config/Settings.ini").c_str()};
-    ScopedEnvironment m_data{"XDG_DATA_HOME", m_root.file("data").c_str()};
-    ScopedEnvironment m_shared{"MELODEX_SHARED_DATA_DIR", m_root.file("shared/Hymnora").c_str()};
-    ScopedEnvironment m_resources{"MELODEX_RESOURCE_DIR", nullptr};
+    test::TempFolder m_root;
+    test::ScriptedDialogs m_dialogs;
+    const String m_user = m_root.file("data/Cantorix");
+    test::ScopedEnvironment m_settings{"MELODEX_SETTINGS_FILE",
+                                       m_root.file("config/Settings.ini").c_str()};
+    test::ScopedEnvironment m_data{"XDG_DATA_HOME", m_root.file("data").c_str()};
+    test::ScopedEnvironment m_shared{"MELODEX_SHARED_DATA_DIR",
+                                     m_root.file("shared/Hymnora").c_str()};
+    test::ScopedEnvironment m_resources{"MELODEX_RESOURCE_DIR", nullptr};
 };
 
-TEST_F(SongConfigTest, WithoutSettingsEveryFolderLiesUnderTheBaseUserFolder) {
-    m_root.write("install/bin/product.bcf", ProductFile);
-    SongConfig config(programPath());
-    ASSERT_TRUE(config.isConfigured());
+TEST_F(SongConfigTest, WithoutSettingsFoldersLieUnderTheUserFolderAndTablesServeInOrder) {
+    writeProductFile("install/");  // the program folder's parent serves too
+    m_root.write("install/bin/Melodex.ini", "[SongFileType]\nstandard=Library\ntext=Text\n");
+    m_root.write("install/bin/Scrivel.ini", "[SongFileType]\nstandard=Editor\n");
+    SongConfig config = this->config();
     ASSERT_TRUE(config.init(3));
-    EXPECT_EQ(config.programId(), 3);
-
-    const String user = joinPath(baseUserFolder(), "Cantorix");
-    EXPECT_EQ(config.getUserDataDir(), user);
-    EXPECT_EQ(config.getUserProfileDir(), joinPath(user, "Display Profiles"));
-    EXPECT_EQ(config.getSongDatabaseDir(), joinPath(user, "Song Database"));
-    EXPECT_EQ(config.getImageDatabaseDir(), joinPath(user, "Image Database"));
-    EXPECT_EQ(config.getBibleDatabaseDir(), joinPath(user, "Bible Database"));
-    EXPECT_EQ(config.getMediaDatabaseDir(), joinPath(user, "Media Database"));
-    EXPECT_EQ(config.getLogFilesDir(), joinPath(user, "Log Files"));
-    EXPECT_EQ(config.getSongDatabaseFilesDir(), joinPath(user, "Song Database/Song Files"));
-
-    for (const String& folder :
-         {config.getUserProfileDir(), config.getSongDatabaseFilesDir(),
-          config.getImageDatabaseDir(), config.getBibleDatabaseDir(),
-          config.getMediaDatabaseDir(), config.getLogFilesDir(), m_root.file("shared/Hymnora")}) {
+    EXPECT_EQ(config.productInfo().majorVersion * 100 + config.productInfo().build, 742u);
+    EXPECT_EQ(config.getProductValue("PRODUCT_COMPANY"), "Brackwell") << "not in the file";
+    EXPECT_EQ(config.getUserDataDir(), m_user);
+    const std::pair<String, const char*> folders[] = {
+        {config.getUserProfileDir(), "Display Profiles"},
+        {config.getSongDatabaseDir(), "Song Database"},
+        {config.getImageDatabaseDir(), "Image Database"},
+        {config.getBibleDatabaseDir(), "Bible Database"},
+        {config.getMediaDatabaseDir(), "Media Database"},
+        {config.getLogFilesDir(), "Log Files"},
+        {config.getSongDatabaseFilesDir(), "Song Database/Song Files"}};
+    for (const auto& [folder, name] : folders) {
+        EXPECT_EQ(folder, joinPath(m_user, name));
         EXPECT_TRUE(folderExists(folder)) << folder;
     }
+    EXPECT_TRUE(folderExists(m_root.file("shared/Hymnora")));
+
+    SongConfig copy(m_root.file("other/program"));
+    copy = SongConfig(config);  // copies carry every folder
+    EXPECT_EQ(copy.getLogFilesDir() + copy.getProductValue("PRODUCT_NAME"),
+              config.getLogFilesDir() + "Cantorix Test");
+
+    // The program's string table comes first and falls through to the
+    // library's; one added at the back serves only what the others lack.
+    // The song's file type names come from the same tables.
+    auto load = [](const char* id) { return theBaseApp.loadString("songFILEtype", id, "?"); };
+    EXPECT_EQ(load("STANDARD") + load("text") + load("sng"), "EditorText?");
+    theBaseApp.addStringTable(m_root.file("missing.ini"), true);  // ignored
+    theBaseApp.addStringTable(m_root.write("more.ini", "[SongFileType]\nsng=Sng\ntext=No\n"),
+                              false);
+    EXPECT_EQ(load("sng") + load("text"), "SngText");
+    EXPECT_EQ(Song::getFileTypeName(SongFileType::Sng), "Sng");
 }
 
 TEST_F(SongConfigTest, SettingsMoveTheFolders) {
-    m_root.write("install/bin/product.bcf", ProductFile);
+    writeProductFile();
     const String moved = m_root.file("elsewhere/Our Church");
     const String shared = m_root.file("network share/songs");
-    setSetting("UserDataDir", moved);
-    setSetting("SongDatabaseDir", shared);
-
-    SongConfig config(programPath());
+    ASSERT_EQ(SettingsStore().setString("UserDataDir", moved), StatusSuccess);
+    ASSERT_EQ(SettingsStore().setString("SongDatabaseDir", shared), StatusSuccess);
+    SongConfig config = this->config();
     ASSERT_TRUE(config.init(1));
-    // Folders without a setting of their own follow the user data folder ...
+    // Folders without a setting of their own follow the user data folder;
+    // only the song database goes where its own setting says.
     EXPECT_EQ(config.getUserDataDir(), moved);
     EXPECT_EQ(config.getUserProfileDir(), joinPath(moved, "Display Profiles"));
     EXPECT_EQ(config.getLogFilesDir(), joinPath(moved, "Log Files"));
-    // ... and only the song database goes where its own setting says.
     EXPECT_EQ(config.getSongDatabaseDir(), shared);
     EXPECT_TRUE(folderExists(joinPath(shared, "Song Files")));
     EXPECT_FALSE(folderExists(joinPath(moved, "Song Database")));
-    EXPECT_FALSE(folderExists(joinPath(baseUserFolder(), "Cantorix")));
-}
-
-TEST_F(SongConfigTest, FindsTheProductFileInTheProgramFolderOrItsParent) {
-    {
-        m_root.write("install/product.bcf", ProductFile);
-        SongConfig config(programPath());
-        EXPECT_TRUE(config.isConfigured());
-        EXPECT_EQ(config.getProductValue("PRODUCT_NAME"), "Cantorix Test");
-        EXPECT_EQ(config.productInfo().name, "Cantorix Test");
-        EXPECT_EQ(config.productInfo().majorVersion, 7u);
-        EXPECT_EQ(config.productInfo().build, 42u);
-        // Values the file does not give keep their defaults.
-        EXPECT_EQ(config.getProductValue("PRODUCT_COMPANY"), "Brackwell");
-    }
-    {
-        // Two levels up is too far.
-        SongConfig config(m_root.file("install/bin/tools/Scrivel"));
-        EXPECT_FALSE(config.isConfigured());
-    }
+    EXPECT_FALSE(folderExists(m_user));
 }
 
 TEST_F(SongConfigTest, WithoutAProductFileInitTellsTheUserAndFails) {
-    ScriptedDialogs dialogs;
-    theBaseApp.setDialogs(&dialogs);
-    SongConfig config(programPath());
-    EXPECT_FALSE(config.isConfigured());
-    EXPECT_FALSE(config.init(1));
-
-    ASSERT_EQ(dialogs.messages().size(), 1u);
-    EXPECT_EQ(dialogs.messages()[0].icon, MessageIcon::Error);
-    EXPECT_EQ(dialogs.messages()[0].text,
+    writeProductFile("");  // two levels up is too far
+    EXPECT_FALSE(config().init(1));
+    m_root.write("install/bin/Melodex.ini", "[setup]\nReinstallNeeded=Bitte neu installieren.\n");
+    EXPECT_FALSE(config().init(1));
+    ASSERT_EQ(m_dialogs.messages().size(), 2u);
+    EXPECT_EQ(m_dialogs.messages()[0].icon, MessageIcon::Error);
+    EXPECT_EQ(m_dialogs.messages()[0].text,
               "<b>There is a problem with the software configuration.</b><p>Please try "
               "reinstalling this software and this message continues to appear please contact "
               "Brackwell Technical Support.");
-    EXPECT_FALSE(folderExists(joinPath(baseUserFolder(), "Cantorix")));
-}
-
-TEST_F(SongConfigTest, TheReinstallMessageComesFromTheStringTables) {
-    m_root.write("install/bin/Melodex.ini", "[setup]\nReinstallNeeded=Bitte neu installieren.\n");
-    ScriptedDialogs dialogs;
-    theBaseApp.setDialogs(&dialogs);
-    SongConfig config(programPath());
-    EXPECT_FALSE(config.init(1));
-    ASSERT_EQ(dialogs.messages().size(), 1u);
-    EXPECT_EQ(dialogs.messages()[0].text, "Bitte neu installieren.");
-}
-
-TEST_F(SongConfigTest, TheProgramsTableComesBeforeTheLibrarysAndFallsThroughToIt) {
-    m_root.write("install/bin/product.bcf", ProductFile);
-    m_root.write("install/bin/Melodex.ini",
-                 "[SongFileType]\nstandard=Library Song\ntext=Library Text\n");
-    m_root.write("install/bin/Scrivel.ini", "[SongFileType]\nstandard=Editor Song\n");
-    SongConfig config(programPath());
-    ASSERT_TRUE(config.init(1));
-    EXPECT_EQ(theBaseApp.loadString("SongFileType", "standard", "?"), "Editor Song");
-    EXPECT_EQ(theBaseApp.loadString("SongFileType", "text", "?"), "Library Text");
-    EXPECT_EQ(theBaseApp.loadString("SongFileType", "sng", "?"), "?");
-    EXPECT_EQ(theBaseApp.loadString("Elsewhere", "standard", "?"), "?");
-}
-
-TEST_F(SongConfigTest, CopiesCarryEveryFolder) {
-    m_root.write("install/bin/product.bcf", ProductFile);
-    SongConfig config(programPath());
-    ASSERT_TRUE(config.init(5));
-    SongConfig copy(config);
-    SongConfig assigned(m_root.file("other/program"));
-    assigned = config;
-    for (const SongConfig* other : {&copy, &assigned}) {
-        EXPECT_TRUE(other->isConfigured());
-        EXPECT_EQ(other->programId(), 5);
-        EXPECT_EQ(other->programPath(), programPath());
-        EXPECT_EQ(other->getSongDatabaseFilesDir(), config.getSongDatabaseFilesDir());
-        EXPECT_EQ(other->getLogFilesDir(), config.getLogFilesDir());
-        EXPECT_EQ(other->getProductValue("PRODUCT_NAME"), "Cantorix Test");
-    }
+    EXPECT_EQ(m_dialogs.messages()[1].text, "Bitte neu installieren.");
+    EXPECT_FALSE(folderExists(m_user));
 }
 
 TEST_F(SongConfigTest, BadFilesFallBackToDefaults) {
-    // A product file without its section, a settings file and string tables
-    // that are not INI text at all.
-    m_root.write("install/bin/product.bcf", "just some words\n\x01\x02\xff\xfe garbage");
+    m_root.write("install/bin/product.bcf", "no section\n\x01\x02\xff\xfe garbage");
     m_root.write("config/Settings.ini", String("\0\0\xff[Settings\nUserDataDir", 24));
-    m_root.write("install/bin/Melodex.ini", String("\x7f" "ELF\0\0\0binary", 13));
+    m_root.write("install/bin/Melodex.ini", String("\177ELF\0\0\0binary", 13));
     m_root.write("install/bin/Scrivel.ini", "[SongFileType\nstandard");
-
-    SongConfig config(programPath());
-    EXPECT_TRUE(config.isConfigured());
+    SongConfig config = this->config();
     EXPECT_EQ(config.getProductValue("PRODUCT_NAME"), "Cantorix");
     ASSERT_TRUE(config.init(1));
-    EXPECT_EQ(config.getUserDataDir(), joinPath(baseUserFolder(), "Cantorix"));
+    EXPECT_EQ(config.getUserDataDir(), m_user);
     EXPECT_EQ(theBaseApp.loadString("SongFileType", "standard", "fallback"), "fallback");
 }
 

@@ -1,25 +1,23 @@
 #include "melodex/music/notes.h"
 
+#include <tuple>
+
 #include <gtest/gtest.h>
 
 namespace melodex {
 namespace {
 
 TEST(NotesTest, ReadsOnlyTheSeventeenNamesWithoutFallBack) {
-    struct Case {
-        const char* text;
-        int number;
-        const char* rest;
-    };
-    const Case cases[] = {{"Db", 1, ""},         {"Bbm", 10, "m"},   {"Amazing", 9, "mazing"},
-                          {"Be", 11, "e"},       {"Cb", -1, "Cb"},   {"Fb", -1, "Fb"},
-                          {"E#", -1, "E#"},      {"B#m", -1, "B#m"}, {"db", -1, "db"},
-                          {"H", -1, "H"},        {"", -1, ""},       {" G", -1, " G"},
-                          {"Émile", -1, "Émile"}};
-    for (const Case& c : cases) {
-        String rest = "stale";
-        EXPECT_EQ(noteNumber(c.text, rest), c.number) << c.text;
-        EXPECT_EQ(rest, c.rest) << c.text;
+    const std::tuple<const char*, int, const char*> cases[] = {
+        {"Db", 1, ""},         {"Bbm", 10, "m"},   {"Amazing", 9, "mazing"},
+        {"Be", 11, "e"},       {"Cb", -1, "Cb"},   {"Fb", -1, "Fb"},
+        {"E#", -1, "E#"},      {"B#m", -1, "B#m"}, {"db", -1, "db"},
+        {"H", -1, "H"},        {"", -1, ""},       {" G", -1, " G"},
+        {"Émile", -1, "Émile"}};
+    for (const auto& [text, number, rest] : cases) {
+        String remainder = "stale";
+        EXPECT_EQ(noteNumber(text, remainder), number) << text;
+        EXPECT_EQ(remainder, rest) << text;
     }
 }
 
@@ -34,12 +32,11 @@ TEST(NotesTest, SpellingTablesKeepTheirHouseIrregularities) {
 }
 
 TEST(NotesTest, ChordLinesNeedMoreChordTokensThanWords) {
-    EXPECT_TRUE(isChords("C G Am F"));
-    EXPECT_TRUE(isChords("A B words"));
-    EXPECT_TRUE(isChords("\tG  \t D/F#   Em "));
-    EXPECT_FALSE(isChords("Amazing grace"));  // a tie
-    EXPECT_FALSE(isChords("   "));
-    EXPECT_FALSE(isChords("Jésus est vivant"));
+    for (const char* chords : {"C G Am F", "A B words", "\tG  \t D/F#   Em "})
+        EXPECT_TRUE(isChords(chords)) << chords;
+    // "Amazing grace" is a tie.
+    for (const char* words : {"Amazing grace", "   ", "Jésus est vivant"})
+        EXPECT_FALSE(isChords(words)) << words;
 }
 
 }  // namespace

@@ -4,20 +4,22 @@
 
 #include <gtest/gtest.h>
 
+#include "support/song_builders.h"
+
 namespace melodex {
 namespace {
 
+using test::describe;
+
 // Appends a line and then its chord, the order in which loaders build
 // sections: only a chord added to a line already in the section marks it.
-SongLine* addLineTo(SongSection& section, const char* text, const char* chord = nullptr) {
-    auto* line = new SongLine;
-    line->setText(text);
+void addLineTo(SongSection& section, const char* text, const char* chord = nullptr) {
+    SongLine* line = test::lineOf(text);
     section.addLine(line);
     if (chord != nullptr) line->addChord(SongChord(chord, 0));
-    return line;
 }
 
-TEST(SongSectionTest, RepeatNeverBelowOneAndTargetZeroAnswersFalse) {
+TEST(SongSectionTest, SettingsKeepTheirOddRulesAndClearIsAPartialReset) {
     SongSection section(SectionType::Chorus);
     section.repeat(0);
     EXPECT_EQ(section.repeat(), 1);
@@ -28,6 +30,20 @@ TEST(SongSectionTest, RepeatNeverBelowOneAndTargetZeroAnswersFalse) {
     EXPECT_EQ(section.indentForType(), 1);
     section.setType(42);
     EXPECT_EQ(section.indentForType(), 0);
+
+    section.id("B1");
+    section.setSingers(SingerType::Men);
+    section.repeat(3);
+    section.indent(2);
+    section.spaceBefore(1);
+    section.keepWithPrevious(true);
+    section.setFirstOnPage(true);
+    addLineTo(section, "x", "G");
+    section.clear();
+    // Id, singers, the chord flag and the page break stay.
+    EXPECT_EQ(describe(section), "B1 Verse singers=Men firstonpage=1\n");
+    section.checkForChords();
+    EXPECT_FALSE(section.hasChords());
 }
 
 TEST(SongSectionTest, RemoveLineHandsBackAnUnlinkedLine) {
@@ -49,33 +65,6 @@ TEST(SongSectionTest, RemoveLineHandsBackAnUnlinkedLine) {
     EXPECT_EQ(section.getLineCount(), 1);
 }
 
-TEST(SongSectionTest, ClearIsAPartialReset) {
-    SongSection section(SectionType::Bridge);
-    section.id("B1");
-    section.setSingers(SingerType::Men);
-    section.target(Target::Band);
-    section.repeat(3);
-    section.indent(2);
-    section.spaceBefore(1);
-    section.keepWithPrevious(true);
-    section.setFirstOnPage(true);
-    addLineTo(section, "x", "G");
-    ASSERT_TRUE(section.hasChords());
-
-    section.clear();
-    EXPECT_EQ(section.getLineCount(), 0);
-    EXPECT_EQ(section.type(), SectionType::Verse);
-    EXPECT_EQ(section.target() + section.indent() + section.spaceBefore(), 0);
-    EXPECT_EQ(section.repeat(), 1);
-    EXPECT_FALSE(section.keepWithPrevious());
-    EXPECT_EQ(section.id(), "B1");
-    EXPECT_EQ(section.singers(), SingerType::Men);
-    EXPECT_TRUE(section.hasChords());
-    EXPECT_TRUE(section.firstOnPage());
-    section.checkForChords();
-    EXPECT_FALSE(section.hasChords());
-}
-
 TEST(SongSectionTest, AssignmentKeepsIdChordFlagAndPageBreakWhileCopiesTakeThem) {
     SongSection source(SectionType::Chorus);
     source.id("C1");
@@ -83,36 +72,25 @@ TEST(SongSectionTest, AssignmentKeepsIdChordFlagAndPageBreakWhileCopiesTakeThem)
     source.setFirstOnPage(true);
     addLineTo(source, "Hallelujah", "F");
     addLineTo(source, "Amen");
+    const String described = "C1 Chorus singers=All firstonpage=1\n  [F]Hallelujah\n  Amen\n";
+    ASSERT_EQ(describe(source), described);
 
+    SongSection copy(source);
+    EXPECT_EQ(describe(copy), described);
     SongSection target(SectionType::Verse);
     target.id("V3");
     addLineTo(target, "old");
-    target = source;
-    EXPECT_EQ(target.id(), "V3");
-    EXPECT_FALSE(target.hasChords());
-    EXPECT_FALSE(target.firstOnPage());
-    EXPECT_EQ(target.singers(), SingerType::All);
-    ASSERT_EQ(target.getLineCount(), 2);
-
-    const SongSection copy(source);
-    EXPECT_EQ(copy.id(), "C1");
-    EXPECT_TRUE(copy.hasChords());
-    EXPECT_TRUE(copy.firstOnPage());
-
-    // Every copied line belongs to its copy, so the source can go first.
-    auto* temporary = new SongSection(source);
+    auto temporary = std::make_unique<SongSection>(source);
     target = *temporary;
-    const SongSection* const copies[] = {&target, &copy, temporary};
-    for (const SongSection* section : copies) {
-        for (int i = 0; i < section->getLineCount(); ++i) {
-            EXPECT_EQ(section->getLine(i)->section(), section);
-            EXPECT_NE(section->getLine(i), source.getLine(i));
-        }
-    }
-    delete temporary;
-    target.getLine(0)->removeChord(0);
-    target.transpose(2);
-    EXPECT_EQ(source.getLine(0)->getChord(0)->chord(), 5);
+    temporary.reset();  // the copied lines belong to their copy, not to the source
+    EXPECT_EQ(describe(target), "V3 Chorus (no chords) singers=All\n  [F]Hallelujah\n  Amen\n");
+
+    // Each copy's lines report to that copy and leave the source alone.
+    target.getLine(1)->addChord(SongChord("C", 0));
+    EXPECT_TRUE(target.hasChords());
+    copy.getLine(0)->removeChord(0);
+    EXPECT_FALSE(copy.hasChords());
+    EXPECT_EQ(describe(source), described);
 
     const SongSection& same = target;
     target = same;

@@ -1,0 +1,53 @@
+// The melodex program run as a user runs it, replaying the session in
+// tests/data/cli/session.txt (its notes say how).
+
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <regex>
+
+#include <gtest/gtest.h>
+
+#include "melodex/foundation/text.h"
+#include "support/temp_folder.h"
+
+namespace melodex {
+namespace {
+
+TEST(MelodexCliTest, ASessionPrintsWhatItsTranscriptSays) {
+    const test::TempFolder folder;
+    const String data = MELODEX_TEST_DATA_DIR;
+    const std::regex madeUpUuid(
+        "[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}");
+    const StringArray lines = split(folder.read(data + "/cli/session.txt"), "\n");
+    ASSERT_GT(lines.size(), 100u);
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        if (!lines[i].starts_with("$ ")) continue;
+        String expected;
+        int expectedExit = 0;
+        for (std::size_t end = i + 1;
+             end < lines.size() && !lines[end].starts_with("$ ") && !lines[end].starts_with("# ");
+             ++end) {
+            if (lines[end].starts_with("[exit "))
+                expectedExit = toInteger(lines[end].substr(6));
+            else
+                expected += lines[end] + "\n";
+        }
+        const String command = "cd '" + folder.path() + "' && '" + MELODEX_CLI_PROGRAM + "' " +
+                               replaceAll(lines[i].substr(2), "{data}", "'" + data + "'") +
+                               " >output 2>&1";
+        const int status = std::system(command.c_str());
+        String actual = folder.read("output");
+        for (const auto& [from, to] : {std::pair<String, String>{folder.path(), "{tmp}"},
+                                       {data, "{data}"},
+                                       {MELODEX_CLI_PROGRAM, "melodex"}})
+            actual = replaceAll(actual, from, to);
+        actual = strip(std::regex_replace(actual, madeUpUuid, "{uuid}"), "\n", StripSide::End);
+        SCOPED_TRACE("session.txt:" + std::to_string(i + 1) + ": " + lines[i]);
+        EXPECT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, expectedExit);
+        EXPECT_EQ(actual, strip(expected, "\n", StripSide::End));
+    }
+}
+
+}  // namespace
+}  // namespace melodex
