@@ -101,6 +101,12 @@ TEST_F(SongConfigTest, SettingsMoveTheFolders) {
     EXPECT_TRUE(folderExists(joinPath(shared, "Song Files")));
     EXPECT_FALSE(folderExists(joinPath(moved, "Song Database")));
     EXPECT_FALSE(folderExists(m_user));
+
+    // An empty setting is no setting: the folder does not land in whatever
+    // folder the program runs in.
+    ASSERT_EQ(SettingsStore().setString("LogFilesDir", ""), StatusSuccess);
+    ASSERT_TRUE(config.init(1));
+    EXPECT_EQ(config.getLogFilesDir(), joinPath(moved, "Log Files"));
 }
 
 TEST_F(SongConfigTest, WithoutAProductFileInitTellsTheUserAndFails) {

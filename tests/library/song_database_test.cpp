@@ -188,6 +188,37 @@ TEST_F(SongDatabaseTest, BadIndexesHealAndLoseNothingOnDiskNorReachOutsideTheFol
     EXPECT_TRUE(fileExists(libraryFile("Sub/Nested.song")));
 }
 
+TEST_F(SongDatabaseTest, SongFilesNeverRewriteTheIndexNorLoseTheirUuid) {
+    // A uuid that would open a new index section is replaced on import.
+    const String crafted = writeSong("in/Crafted.song", "Crafted", {"Line"},
+                                     "x&#10;filename=../Precious.song&#10;[y]");
+    m_db.open();
+    SongDBFileEntry* entry = m_db.importFile(crafted, true, true);
+    ASSERT_NE(entry, nullptr);
+    EXPECT_EQ(entry->uuid().size(), 36u) << entry->uuid();
+    EXPECT_EQ(readIndex().getKeyCount(), 1);
+
+    // Saved outside the library without its uuid, the song keeps the one the
+    // library knows it by, in the file too.
+    const String uuid = entry->uuid();
+    m_db.close();
+    const String edited = writeSong("db/Song Files/Crafted.song", "Crafted again", {"Line"});
+    fs::last_write_time(edited, fs::last_write_time(edited) + std::chrono::seconds(2));
+    m_db.open();
+    ASSERT_NE(m_db.findEntryByUUID(uuid), nullptr);
+    Song onDisk;
+    ASSERT_EQ(onDisk.loadFromFile(libraryFile("Crafted.song")), 0u);
+    EXPECT_EQ(onDisk.uuid(), uuid);
+
+    // A damaged song file is not rewritten as lines of its own markup.
+    m_db.close();
+    const String damaged = "<song><info><title>Cut off</title></info><block><line>Half";
+    m_folder.write("db/Song Files/Damaged.song", damaged);
+    m_db.open();
+    EXPECT_EQ(m_folder.read(libraryFile("Damaged.song")), damaged);
+    m_db.close();
+}
+
 TEST_F(SongDatabaseTest, ImportFolderGoesToAnyDepthOnceAndReportsEachFile) {
     fs::copy(test::testDataPath("library/import"), m_folder.file("in"),
              fs::copy_options::recursive);

@@ -1,5 +1,7 @@
 #include "melodex/library/song_set.h"
 
+#include <filesystem>
+
 #include <gtest/gtest.h>
 
 #include "melodex/foundation/file_system.h"
@@ -122,6 +124,31 @@ TEST_F(SongSetTest, ReadsWritesEditsAndCopiesSets) {
     EXPECT_EQ(copy.entry(0).song()->info().title(), "B");
     copy.entry(0).set(copy.entry(0).song(), true, false);  // keeps the song it owns alive
     EXPECT_EQ(copy.entry(0).song()->info().title(), "B");
+}
+
+TEST_F(SongSetTest, PathsStayRightFromAnyFolderAndLibrarySongsOutliveTheirEntry) {
+    SongDBFileEntry* grace = librarySong("grace");
+    ASSERT_NE(grace, nullptr);
+    const String uuid = grace->uuid();
+    m_folder.write("songs/Rock of Ages.song", songXml("Rock of Ages", "rock-0001"));
+    m_folder.write("sets/Sunday.set", golden("sunday.set"));
+
+    // Loaded through a path relative to the current folder and saved again,
+    // the set still finds its song file.
+    const std::filesystem::path previous = std::filesystem::current_path();
+    std::filesystem::current_path(m_folder.path());
+    SongSet set;
+    ASSERT_EQ(set.loadFromFile("sets/Sunday.set"), 0u);
+    ASSERT_EQ(set.saveToFile("sets/Again.set", true), 0u);
+    SongSet again;
+    ASSERT_EQ(again.loadFromFile("sets/Again.set"), 0u);
+    std::filesystem::current_path(previous);
+    EXPECT_EQ(again.size(), set.size());
+    EXPECT_EQ(m_folder.read("sets/Again.set"), golden("sunday.set"));
+
+    // Removed from the library, its song stays readable through the set.
+    theSongDB.removeEntry(theSongDB.findEntryByUUID(uuid), true);
+    EXPECT_EQ(set.entry(0).song()->uuid(), uuid);
 }
 
 }  // namespace

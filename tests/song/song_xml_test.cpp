@@ -107,6 +107,18 @@ TEST(SongXmlWriterTest, EscapesOddTextsAndPutsChordsPastTheEndAfterIt) {
     EXPECT_EQ(past->writeToText(SongFileType::Song),
               "<line>Amen<chord>C</chord><chord>F</chord></line>\n");
     EXPECT_EQ(past->writeToText(SongFileType::Sng), "Amen\n");
+
+    // Lyrics are element text: "&" and "<" must not make the file unreadable
+    // as XML, and quotes keep their bytes.
+    Song song;
+    song.addSection(new SongSection(1));
+    song.getSection(0)->addLine(lineOf("Praise & \"glory\" <to God>", {{"G", 9}}));
+    for (int type : {SongFileType::Song, SongFileType::Sng}) {
+        Song back;
+        ASSERT_EQ(back.loadFromText(song.saveToText(type, true)), 0u);
+        EXPECT_EQ(back.loadedFileType(), type);
+        EXPECT_EQ(back.getSection(0)->getLine(0)->text(), "Praise & \"glory\" <to God>");
+    }
 }
 
 // Section singers are written as the repeat count and read as a word, the

@@ -41,9 +41,12 @@ constexpr const char* ReinstallNeededText =
     "software and this message continues to appear please contact Brackwell Technical Support.";
 
 // Reads a folder's setting, falling back to `defaultPath`, and creates the
-// folder with its parents when it is missing.
+// folder with its parents when it is missing. An empty setting counts as
+// none: taken as it is, it would put the data in whatever folder the program
+// happens to run in.
 String settleFolder(const SongConfig& config, const char* settingName, const String& defaultPath) {
     String folder = config.getSettingsString(settingName, defaultPath);
+    if (strip(folder).empty()) folder = defaultPath;
     if (!folderExists(folder)) createFolders(folder);
     return folder;
 }

@@ -91,6 +91,12 @@ bool isAbsolutePath(std::string_view path) {
     return !path.empty() && path.front() == '/';
 }
 
+String absolutePath(std::string_view path) {
+    std::error_code error;
+    const fs::path absolute = fs::absolute(toPath(path), error);
+    return error ? String(path) : fromPath(absolute.lexically_normal());
+}
+
 String relativePath(std::string_view path, std::string_view folder) {
     if (!isAbsolutePath(path) || !isAbsolutePath(folder)) return String(path);
     const fs::path relative =

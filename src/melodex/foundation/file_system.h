@@ -34,6 +34,10 @@ String folderOf(std::string_view path);
 
 bool isAbsolutePath(std::string_view path);
 
+// `path` made absolute against the current folder and normalised
+// ("a/./b/../c" gives "<current>/a/c"); `path` itself when that fails.
+String absolutePath(std::string_view path);
+
 // `path` written relative to `folder` ("../sets/Easter.set"); `path` itself
 // when no relative form exists.
 String relativePath(std::string_view path, std::string_view folder);

@@ -251,7 +251,9 @@ XmlNode XmlFile::root() const {
 
 // --- XmlString ---------------------------------------------------------------
 
-String XmlString::encode(std::string_view text) {
+namespace {
+
+String escape(std::string_view text, bool quotes) {
     String out;
     out.reserve(text.size() + text.size() / 8);
     for (char c : text) {
@@ -266,7 +268,7 @@ String XmlString::encode(std::string_view text) {
                 out += "&gt;";
                 break;
             case '"':
-                out += "&quot;";
+                out += quotes ? "&quot;" : "\"";
                 break;
             default:
                 out += c;
@@ -274,6 +276,16 @@ String XmlString::encode(std::string_view text) {
         }
     }
     return out;
+}
+
+}  // namespace
+
+String XmlString::encode(std::string_view text) {
+    return escape(text, true);
+}
+
+String XmlString::encodeText(std::string_view text) {
+    return escape(text, false);
 }
 
 String XmlString::attribute(std::string_view name, std::string_view value) {

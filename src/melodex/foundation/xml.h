@@ -120,6 +120,10 @@ struct XmlString {
     // Escapes "&", "<", ">" and the double quote as entities.
     static String encode(std::string_view text);
 
+    // Escapes "&", "<" and ">": what element text needs. Quotes stay as they
+    // are, so lyrics with quotation marks keep their bytes.
+    static String encodeText(std::string_view text);
+
     // An attribute as the writers put it after an element's name: a blank,
     // the name, "=" and the encoded value in double quotes. Entities, not
     // backslashes: an XML reader undoes only those, so any value reads back

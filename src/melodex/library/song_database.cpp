@@ -238,7 +238,8 @@ void SongDatabase::refreshEntry(SongDBFileEntry* file, const LocalTime& modified
     // in place, so that pointers to it stay valid.
     if (!file->m_song) file->m_song = std::make_shared<Song>();
     Song* song = file->m_song.get();
-    if (song->loadFromFile(file->path()) != StatusSuccess || !SongDBFileEntry::isSong(*song)) {
+    if (song->loadFromFile(file->path()) != StatusSuccess || !SongDBFileEntry::isSong(*song) ||
+        (!SongDBFileEntry::hasUsableUuid(*song) && SongDBFileEntry::isUnreadMarkup(*song))) {
         // No longer a song: out of the library, like any file that is not
         // one, but the file itself stays untouched.
         m_index.removeKey(file->uuid());
@@ -247,7 +248,13 @@ void SongDatabase::refreshEntry(SongDBFileEntry* file, const LocalTime& modified
         m_changed = true;
         return;
     }
-    if (!song->hasUUID()) song->uuid(file->uuid());
+    if (!SongDBFileEntry::hasUsableUuid(*song)) {
+        // Edited outside the library and saved without its uuid: it keeps the
+        // one the library knows it by, in the file too, so that sets that
+        // name it find it again next time.
+        song->uuid(file->uuid());
+        (void)song->saveToFile(file->path(), SongFileType::Song);
+    }
 
     const String oldUuid = file->uuid();
     file->m_uuid = song->uuid();
@@ -430,7 +437,7 @@ void SongDatabase::reload(SongDBFileEntry* file) {
     const String path = file->path();
     auto fresh = std::make_shared<Song>();
     if (fresh->loadFromFile(path) != StatusSuccess || !SongDBFileEntry::isSong(*fresh)) return;
-    if (!fresh->hasUUID()) {
+    if (!SongDBFileEntry::hasUsableUuid(*fresh)) {
         fresh->generateUUID();
         (void)fresh->saveToFile(path, SongFileType::Song);
     }
@@ -474,7 +481,7 @@ SongDBFileEntry* SongDatabase::importFile(const String& path, bool save, bool na
 
 SongDBFileEntry* SongDatabase::importSong(Song& song, const String& sourcePath, bool save,
                                           bool nameByTitle) {
-    if (!song.hasUUID()) {
+    if (!SongDBFileEntry::hasUsableUuid(song)) {
         do {
             song.generateUUID();
         } while (findEntryByUUID(song.uuid()));

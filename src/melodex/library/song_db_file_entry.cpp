@@ -58,6 +58,11 @@ Song* SongDBFileEntry::song() {
     return m_song.get();
 }
 
+std::shared_ptr<Song> SongDBFileEntry::sharedSong() {
+    song();
+    return m_song;
+}
+
 void SongDBFileEntry::clear() {
     m_song.reset();
     m_uuid.clear();
@@ -78,7 +83,14 @@ bool SongDBFileEntry::load(const String& path) {
         m_song.reset();
         return false;
     }
-    if (!m_song->hasUUID()) {
+    if (!hasUsableUuid(*m_song)) {
+        // Markup that did not parse reads as plain text whose first line is
+        // a tag; writing the uuid back would turn the user's (repairable)
+        // file into lines of raw markup, so such a file is left alone.
+        if (isUnreadMarkup(*m_song)) {
+            m_song.reset();
+            return false;
+        }
         // The uuid is the song's name in the index: written into the file it
         // stays the same however often the library is rebuilt.
         m_song->generateUUID();
@@ -240,6 +252,23 @@ bool SongDBFileEntry::isSong(const Song& song) {
         default:
             return true;
     }
+}
+
+bool SongDBFileEntry::isUnreadMarkup(const Song& song) {
+    if (song.loadedFileType() != SongFileType::Text || song.getSectionCount() == 0) return false;
+    const SongSection& first = *song.getSection(0);
+    return first.getLineCount() > 0 && startsWithIgnoreCase(first.getLine(0)->text(), "<");
+}
+
+bool SongDBFileEntry::hasUsableUuid(const Song& song) {
+    const String& uuid = song.uuid();
+    if (uuid.empty() || uuid.size() > 64) return false;
+    for (char c : uuid) {
+        const bool usable = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') ||
+                            (c >= 'A' && c <= 'Z') || c == '-' || c == '{' || c == '}';
+        if (!usable) return false;
+    }
+    return true;
 }
 
 SongDBTextEntry* SongDBFileEntry::addText(int type, const String& text) {

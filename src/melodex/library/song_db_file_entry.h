@@ -87,6 +87,9 @@ public:
     // its copies): valid until the entry is cleared, loaded again or
     // destroyed.
     Song* song();
+    // The same song as a shared handle, for holders that must keep it alive
+    // beyond the entry (song sets).
+    std::shared_ptr<Song> sharedSong();
 
     // Releases the song and empties uuid, filename, author, key, title,
     // firstline, the list of text entries (which are not deleted) and the
@@ -125,6 +128,17 @@ public:
     // and binary or empty files read as plain text). The library neither
     // lists, imports nor writes such files.
     static bool isSong(const Song& song);
+
+    // True when the song's uuid can name its section of the library index:
+    // letters, digits, "-" and braces only. Any other text (a line break, a
+    // "]", an "=") would let a song file rewrite other entries of the index,
+    // so the library treats such a song as having no uuid and gives it one.
+    static bool hasUsableUuid(const Song& song);
+
+    // True when a file read as plain text begins with a tag: markup that did
+    // not parse (a damaged song file). The library never rewrites such a
+    // file in its folder, so the user can still repair it.
+    static bool isUnreadMarkup(const Song& song);
 
 private:
     friend class SongDatabase;

@@ -106,8 +106,10 @@ Status SongSet::loadFromFile(const String& path) {
 
 String SongSet::resolvePath(const String& path) const {
     if (path.empty() || isAbsolutePath(path)) return path;
-    // Sets written on Windows separate folders with backslashes.
-    return joinPath(folderOf(m_filename), replaceAll(path, "\\", "/"));
+    // Sets written on Windows separate folders with backslashes. The result
+    // is absolute, so that a set loaded through a relative path writes its
+    // songs back relative to its own folder, not to the current one.
+    return absolutePath(joinPath(folderOf(m_filename), replaceAll(path, "\\", "/")));
 }
 
 namespace {
@@ -133,7 +135,10 @@ void SongSet::processSongEntryNode(const XmlNode& node) {
         // The library keeps its songs; a song it no longer has drops out.
         SongDBFileEntry* file = theSongDB.findEntryByUUID(strip(database.text()));
         if (!file) return;
-        readAttributes(node, add(file->song(), false, true));
+        std::shared_ptr<Song> song = file->sharedSong();
+        SongSetEntry& entry = add(song.get(), false, true);
+        entry.holdLibrarySong(std::move(song));
+        readAttributes(node, entry);
     } else if (const XmlNode embedded = node.findChild("song")) {
         auto song = std::make_unique<Song>();
         // A new song holds a default key; an embedded song without one must

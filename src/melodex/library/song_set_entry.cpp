@@ -1,16 +1,12 @@
 #include "melodex/library/song_set_entry.h"
 
-#include <filesystem>
 #include <string>
-#include <system_error>
 
 #include "melodex/foundation/file_system.h"
 #include "melodex/foundation/xml.h"
 #include "melodex/song/song.h"
 
 namespace melodex {
-
-namespace fs = std::filesystem;
 
 SongSetEntry::SongSetEntry(Song* song, bool owned) {
     set(song, owned, false);
@@ -28,6 +24,7 @@ SongSetEntry& SongSetEntry::operator=(const SongSetEntry& other) {
     if (other.m_ownedSong) copy = std::make_unique<Song>(*other.m_ownedSong);
     m_ownedSong = std::move(copy);
     m_song = m_ownedSong ? m_ownedSong.get() : other.m_song;
+    m_librarySong = other.m_librarySong;
     m_type = other.m_type;
     m_transpose = other.m_transpose;
     m_capo = other.m_capo;
@@ -41,17 +38,28 @@ SongSetEntry& SongSetEntry::operator=(const SongSetEntry& other) {
 SongSetEntry::~SongSetEntry() = default;
 
 void SongSetEntry::set(Song* song, bool owned, bool dbflag) {
-    // Setting the song the entry already owns must not delete it.
-    if (song && song == m_ownedSong.get()) (void)m_ownedSong.release();
+    // Handed the song it already owns, the entry keeps owning it: deleting it
+    // here would leave `song` dangling, dropping it would leak it.
+    std::unique_ptr<Song> kept;
+    if (song && song == m_ownedSong.get()) kept = std::move(m_ownedSong);
     clear();
     m_song = song;
-    if (song && owned) m_ownedSong.reset(song);
+    if (kept) {
+        m_ownedSong = std::move(kept);
+    } else if (song && owned) {
+        m_ownedSong.reset(song);
+    }
     m_dbflag = dbflag;
     if (song) m_type = SongItem;
 }
 
+void SongSetEntry::holdLibrarySong(std::shared_ptr<Song> song) {
+    if (song && song.get() == m_song && !m_ownedSong) m_librarySong = std::move(song);
+}
+
 void SongSetEntry::clear() {
     m_ownedSong.reset();
+    m_librarySong.reset();
     m_song = nullptr;
     m_type = Empty;
     m_transpose = 0;
@@ -106,12 +114,10 @@ String SongSetEntry::writeToText(bool useFilename, const String& setPath) const 
         out += XmlString::encode(m_song->uuid());
         out += "</database>\n";
     } else if (useFilename && !m_song->filename().empty()) {
-        String path = m_song->filename();
-        if (isAbsolutePath(path)) {
-            std::error_code error;
-            const fs::path folder = fs::absolute(fs::path(folderOf(setPath)), error);
-            if (!error) path = relativePath(path, folder.string());
-        }
+        // Relative to the set file's folder, whatever the current folder is,
+        // so that the reader finds the song again.
+        const String path =
+            relativePath(absolutePath(m_song->filename()), absolutePath(folderOf(setPath)));
         out += "<filename>";
         out += XmlString::encode(path);
         out += "</filename>\n";

@@ -10,10 +10,10 @@
 //     entry.getSequence();             // "V1,C1,V2,C1" unless set here
 //
 // A song taken from the song library (SongDBFileEntry::song()) is never
-// owned: the library keeps it, and the entry is valid only while the library
-// is open. A song loaded from a file or embedded in a set file is owned and
-// deleted with the entry. Copying an entry shares a library song and copies
-// an owned song, so no song is ever deleted twice.
+// owned: the library keeps it; an entry read from a set file also shares
+// it (holdLibrarySong), so the song outlives a removal from the library. A song loaded from a file
+// or embedded in a set file is owned and deleted with the entry. Copying an entry shares a library
+// song and copies an owned song, so no song is ever deleted twice.
 
 #include <memory>
 
@@ -41,6 +41,11 @@ public:
     // clear(), then holds the song (taking ownership when `owned`); a song
     // makes the entry a song entry.
     void set(Song* song, bool owned, bool dbflag);
+    // Keeps the library song the entry holds alive for as long as the entry
+    // holds it, even when the library removes it or closes. The set reader
+    // does this for every library song; ignored for any other song.
+    void holdLibrarySong(std::shared_ptr<Song> song);
+
     // Deletes an owned song and resets every field to its default.
     void clear();
 
@@ -85,7 +90,8 @@ public:
 private:
     int m_type = Empty;
     Song* m_song = nullptr;
-    std::unique_ptr<Song> m_ownedSong;  // m_song when the entry owns it
+    std::unique_ptr<Song> m_ownedSong;    // m_song when the entry owns it
+    std::shared_ptr<Song> m_librarySong;  // m_song when it is a library song held alive
     int m_transpose = 0;
     int m_capo = 0;
     int m_tempo = 0;

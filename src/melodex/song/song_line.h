@@ -100,8 +100,9 @@ public:
     // The line in a song file followed by "\n". Type 1: a "line" element
     // with its singers, indent, repeat and further attributes, and each chord
     // as a "chord" element just before the character it stands over (a chord
-    // past the end follows the last character). Chord texts are escaped, the
-    // lyric text is written as stored. Other types: the bare text.
+    // past the end follows the last character). Chord texts are escaped; in
+    // the lyric text "&", "<" and ">" are. Type 3: the bare text, escaped the
+    // same way. Other types: the bare text as stored.
     String writeToText(int fileType) const;
 
     // --- Attributes ----------------------------------------------------------

@@ -61,6 +61,10 @@ std::optional<LocalTime> parseSongSmartTime(std::string_view text) {
 // --- Writing -------------------------------------------------------------------
 
 String SongLine::writeToText(int fileType) const {
+    // Lyrics are element text: "&" and "<" are escaped, or a lyric such as
+    // "Praise & glory" would make the whole file unreadable as XML and the
+    // song would come back as lines of raw markup.
+    if (fileType == SongFileType::Sng) return XmlString::encodeText(m_text) + '\n';
     if (fileType != SongFileType::Song) return m_text + '\n';
 
     String out = "<line";
@@ -88,13 +92,13 @@ String SongLine::writeToText(int fileType) const {
             decodeUtf8(m_text, cursor);
             ++position;
         }
-        out.append(m_text, copied, cursor - copied);
+        out += XmlString::encodeText(std::string_view(m_text).substr(copied, cursor - copied));
         copied = cursor;
         out += "<chord>";
         out += XmlString::encode(chord->toString(0, false));
         out += "</chord>";
     }
-    out.append(m_text, copied);
+    out += XmlString::encodeText(std::string_view(m_text).substr(copied));
     out += "</line>\n";
     return out;
 }
