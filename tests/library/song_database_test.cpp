@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <filesystem>
-#include <regex>
 
 #include <gtest/gtest.h>
 
@@ -87,9 +86,13 @@ TEST_F(SongDatabaseTest, OpenBuildsTheIndexFromTheFolderAndReadsItBack) {
                                     "Holy, Holy, Holy"}));
     const String updated = fileModificationTime(libraryFile("Holy.song"))->format("%Y%m%d%H%M%S");
     EXPECT_EQ(readIndex().findKey("holy-0001")->getString("updated"), updated);
-    EXPECT_EQ(std::regex_replace(m_folder.read(indexFile()), std::regex("updated=[0-9]{14}"),
-                                 "updated=(mtime)"),
-              m_folder.read(test::testDataPath("library/songdb.ini")));
+    // Modification times differ from run to run; the rest is fixed.
+    StringArray index = split(m_folder.read(indexFile()), "\n");
+    for (String& line : index) {
+        if (line.starts_with("updated=") && LocalTime::parse(line.substr(8)))
+            line = "updated=(mtime)";
+    }
+    EXPECT_EQ(join(index, "\n"), m_folder.read(test::testDataPath("library/songdb.ini")));
     m_db.close();
 
     // From the index, a first line equal to the title (ignoring case) is

@@ -4,7 +4,6 @@
 #include <sys/wait.h>
 
 #include <cstdlib>
-#include <regex>
 
 #include <gtest/gtest.h>
 
@@ -14,11 +13,33 @@
 namespace melodex {
 namespace {
 
+// Every version-4 uuid in `text` (the library makes them up) as "{uuid}".
+String maskUuids(const String& text) {
+    static constexpr std::string_view Shape = "hhhhhhhh-hhhh-4hhh-vhhh-hhhhhhhhhhhh";
+    const auto fits = [&text](std::size_t at) {
+        for (std::size_t i = 0; i < Shape.size(); ++i) {
+            const char c = text[at + i];
+            const bool hex = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f');
+            const bool variant = c == '8' || c == '9' || c == 'a' || c == 'b';
+            if (Shape[i] == 'h' ? !hex : Shape[i] == 'v' ? !variant : c != Shape[i]) return false;
+        }
+        return true;
+    };
+    String out;
+    for (std::size_t i = 0; i < text.size();) {
+        if (i + Shape.size() <= text.size() && fits(i)) {
+            out += "{uuid}";
+            i += Shape.size();
+        } else {
+            out += text[i++];
+        }
+    }
+    return out;
+}
+
 TEST(MelodexCliTest, ASessionPrintsWhatItsTranscriptSays) {
     const test::TempFolder folder;
     const String data = MELODEX_TEST_DATA_DIR;
-    const std::regex madeUpUuid(
-        "[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}");
     const StringArray lines = split(folder.read(data + "/cli/session.txt"), "\n");
     ASSERT_GT(lines.size(), 100u);
     for (std::size_t i = 0; i < lines.size(); ++i) {
@@ -42,7 +63,7 @@ TEST(MelodexCliTest, ASessionPrintsWhatItsTranscriptSays) {
                                        {data, "{data}"},
                                        {MELODEX_CLI_PROGRAM, "melodex"}})
             actual = replaceAll(actual, from, to);
-        actual = strip(std::regex_replace(actual, madeUpUuid, "{uuid}"), "\n", StripSide::End);
+        actual = strip(maskUuids(actual), "\n", StripSide::End);
         SCOPED_TRACE("session.txt:" + std::to_string(i + 1) + ": " + lines[i]);
         EXPECT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, expectedExit);
         EXPECT_EQ(actual, strip(expected, "\n", StripSide::End));
