@@ -37,7 +37,7 @@ const char* const Words[] = {
 const char* const Chords[] = {"G", "D", "Em", "C", "A7", "Bm", "D/F#", "Am7"};
 
 // Words drawn from a fixed seed, so every run builds the same songs.
-class Words_ {
+class WordSource {
 public:
     String phrase(int count) {
         String out;
@@ -56,7 +56,7 @@ private:
 };
 
 // A hymn of four verses of four lines with chords: about 1.3 KB as a file.
-Song makeSong(Words_& words, int number) {
+Song makeSong(WordSource& words, int number) {
     Song song;
     song.clear();
     song.info().setTitle(words.phrase(3) + " " + std::to_string(number));
@@ -83,7 +83,7 @@ Song makeSong(Words_& words, int number) {
 
 // The same kind of hymn in OpenSong's layout: a chord line above each lyric
 // line, sections headed by [V1] ...
-String makeOpenSong(Words_& words, int number) {
+String makeOpenSong(WordSource& words, int number) {
     String lyrics;
     for (int s = 1; s <= 4; ++s) {
         lyrics += "[V" + std::to_string(s) + "]\n";
@@ -122,7 +122,7 @@ public:
             m_library = m_root + "/Library/Song Database";
             const String files = m_library + "/Song Files";
             createFolders(files);
-            Words_ words;
+            WordSource words;
             for (int i = 0; i < LibrarySongs; ++i) {
                 Song song = makeSong(words, i);
                 (void)song.saveToFile(files + "/Song " + std::to_string(i) + ".song", 1);
@@ -141,7 +141,7 @@ public:
     const String& openSongFolder() {
         if (m_openSong.empty()) {
             m_openSong = m_root + "/OpenSong";
-            Words_ words;
+            WordSource words;
             std::uintmax_t bytes = 0;
             for (int i = 0; i < OpenSongFiles; ++i) {
                 const String folder = m_openSong + "/Book " + std::to_string(i / 100);
@@ -284,11 +284,17 @@ public:
     using SongDatabase::addTextEntry;
 };
 
-void BM_SortTextEntries(benchmark::State& state) {
-    Words_ words;
+// The titles and first lines of a large library: phrases of two to seven words.
+StringArray libraryTexts() {
+    WordSource words;
     StringArray texts;
     for (int i = 0; i < SortedTexts; ++i)
         texts.push_back(words.phrase(2 + i % 6));
+    return texts;
+}
+
+void BM_SortTextEntries(benchmark::State& state) {
+    const StringArray texts = libraryTexts();
     TextDatabase db;
     SongDBFileEntry file(&db);
     for (auto _ : state) {
@@ -306,10 +312,7 @@ BENCHMARK(BM_SortTextEntries)->Unit(benchmark::kMillisecond);
 
 // What making the entries costs (bare text and sort key, once each).
 void BM_MakeTextEntries(benchmark::State& state) {
-    Words_ words;
-    StringArray texts;
-    for (int i = 0; i < SortedTexts; ++i)
-        texts.push_back(words.phrase(2 + i % 6));
+    const StringArray texts = libraryTexts();
     TextDatabase db;
     SongDBFileEntry file(&db);
     for (auto _ : state) {

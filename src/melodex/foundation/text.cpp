@@ -58,6 +58,15 @@ bool hasOneSignThenDigit(std::string_view text) {
     return !text.empty() && ((text.front() >= '0' && text.front() <= '9') || text.front() == '.');
 }
 
+// Moves `pos` past one code point; ASCII, the common case, without decoding.
+void skipCodePoint(std::string_view text, std::size_t& pos) {
+    if (static_cast<unsigned char>(text[pos]) < 0x80) {
+        ++pos;
+    } else {
+        decodeUtf8(text, pos);
+    }
+}
+
 }  // namespace
 
 // --- Code points -----------------------------------------------------------
@@ -145,24 +154,15 @@ bool isValidUtf8(std::string_view text) {
 
 std::size_t codePointLength(std::string_view text) {
     std::size_t count = 0;
-    for (std::size_t pos = 0; pos < text.size(); ++count) {
-        if (static_cast<unsigned char>(text[pos]) < 0x80) {
-            ++pos;
-        } else {
-            decodeUtf8(text, pos);
-        }
-    }
+    for (std::size_t pos = 0; pos < text.size(); ++count)
+        skipCodePoint(text, pos);
     return count;
 }
 
 std::size_t codePointToByteOffset(std::string_view text, std::size_t index) {
     std::size_t pos = 0;
     for (std::size_t count = 0; count < index && pos < text.size(); ++count) {
-        if (static_cast<unsigned char>(text[pos]) < 0x80) {
-            ++pos;
-        } else {
-            decodeUtf8(text, pos);
-        }
+        skipCodePoint(text, pos);
     }
     return pos;
 }
@@ -170,7 +170,7 @@ std::size_t codePointToByteOffset(std::string_view text, std::size_t index) {
 std::size_t byteToCodePointOffset(std::string_view text, std::size_t byteOffset) {
     std::size_t count = 0;
     for (std::size_t pos = 0; pos < text.size() && pos < byteOffset; ++count) {
-        decodeUtf8(text, pos);
+        skipCodePoint(text, pos);
     }
     return count;
 }
