@@ -15,6 +15,8 @@ inline constexpr std::array<std::string_view, 8> Symbols = {"G",       "D/F#",  
                                                             "Abm7/Eb", "Gsus4", "Bb",  "F#m7b5/C"};
 inline constexpr std::string_view Lyric =
     "Amazing grace, how sweet the sound that saved a wretch like me";
+// The offsets in the lyric of each line's two chords.
+inline constexpr std::array<int, 2> ChordOffsets = {10, 35};
 
 inline Song makeSong() {
     Song song;
@@ -28,8 +30,8 @@ inline Song makeSong() {
             auto* line = new SongLine;
             section->addLine(line);
             line->setText(Lyric);
-            for (int c = 0; c < 2; ++c)
-                line->addChord(SongChord(Symbols[next++ % Symbols.size()], 10 + c * 25));
+            for (int offset : ChordOffsets)
+                line->addChord(SongChord(Symbols[next++ % Symbols.size()], offset));
         }
     }
     song.generateSectionIDs();

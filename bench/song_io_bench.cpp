@@ -1,15 +1,20 @@
 // Reading and writing a song in memory: the ".song", ".txt" and ".sng"
 // layouts and an OpenSong song, each of 8 sections, 40 lines and 80 chords.
 
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
+
 #include <benchmark/benchmark.h>
 
 #include "bench_songs.h"
-#include "melodex/foundation/text_encoding.h"
+#include "melodex/foundation/file_system.h"
 #include "melodex/song/song.h"
 
 namespace {
 
 using namespace melodex;
+using melodex::bench::ChordOffsets;
 using melodex::bench::Lyric;
 using melodex::bench::Symbols;
 
@@ -30,8 +35,8 @@ String makeOpenSong() {
         lyrics += std::to_string(s / 2 + 1) + "]\n";
         for (int l = 0; l < 5; ++l) {
             String row = ".";
-            for (int c = 0; c < 2; ++c) {
-                row.resize(std::size_t(11 + c * 25), ' ');
+            for (int offset : ChordOffsets) {
+                row.resize(std::size_t(offset + 1), ' ');  // column 0 holds the marker
                 row += Symbols[next++ % Symbols.size()];
             }
             lyrics += row + "\n " + String(Lyric) + "\n";
@@ -44,13 +49,21 @@ String makeOpenSong() {
            lyrics + "</lyrics>\n</song>\n";
 }
 
-// The bytes of a file of `fileType`, as saveToFile writes them.
+// The bytes of a file of `fileType`, saved into a scratch folder and read
+// back.
 String fileBytes(int fileType) {
+    namespace fs = std::filesystem;
+    String folder = (fs::temp_directory_path() / "melodex-song-bench-XXXXXX").string();
+    if (::mkdtemp(folder.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
+    const String path = joinPath(folder, "song");
+    String bytes;
     Song song = makeSong();
-    String text = song.saveToText(fileType, true);
-    if (fileType == SongFileType::Song) return text;
-    text = replaceAll(text, "\n", "\r\n");
-    return fileType == SongFileType::Sng ? encodeUtf16LE(text, true) : text;
+    const bool saved = song.saveToFile(path, fileType) == StatusSuccess &&
+                       readFileBytes(path, bytes) == StatusSuccess;
+    std::error_code ignored;
+    fs::remove_all(folder, ignored);
+    if (!saved) throw std::runtime_error("cannot save the benchmark song");
+    return bytes;
 }
 
 void BM_SaveSong(benchmark::State& state) {

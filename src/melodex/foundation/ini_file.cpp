@@ -28,16 +28,6 @@ constexpr bool isBlank(char c) {
     return c == ' ' || c == '\t';
 }
 
-std::string_view trimBlanks(std::string_view text) {
-    std::size_t begin = 0;
-    std::size_t end = text.size();
-    while (begin < end && isBlank(text[begin]))
-        ++begin;
-    while (end > begin && isBlank(text[end - 1]))
-        --end;
-    return text.substr(begin, end - begin);
-}
-
 // A value that loses nothing when written bare: reading trims blanks, ends
 // the line at a line break and takes a leading double quote as quoting.
 bool needsQuotes(std::string_view value) {
@@ -259,13 +249,7 @@ Status IniFile::load(std::string_view path) {
         // Parse into a fresh object so that nothing here is touched until
         // the whole file has been read.
         IniFile loaded;
-        // Most files are plain UTF-8: parse those bytes as they are instead
-        // of copying them through the decoder.
-        if (detectEncoding(bytes) == TextEncoding::Utf8) {
-            loaded.loadFromString(bytes);
-        } else {
-            loaded.loadFromString(decodeText(bytes));
-        }
+        loaded.loadFromString(decodeText(std::move(bytes)));
         loaded.m_filename = String(path);
         *this = std::move(loaded);
         return StatusSuccess;

@@ -42,20 +42,24 @@ private:
     bool m_ascii;
 };
 
-std::string_view trimBlanks(std::string_view text) {
-    while (!text.empty() && (text.front() == ' ' || text.front() == '\t'))
-        text.remove_prefix(1);
-    while (!text.empty() && (text.back() == ' ' || text.back() == '\t'))
-        text.remove_suffix(1);
-    return text;
-}
-
 // True when the text is at most one sign followed by a digit or a decimal
 // point: from_chars would take "inf" and "nan" for numbers, and we strip a
 // "+" that it does not accept, which must not let "+-1" through.
 bool hasOneSignThenDigit(std::string_view text) {
     if (!text.empty() && (text.front() == '+' || text.front() == '-')) text.remove_prefix(1);
     return !text.empty() && ((text.front() >= '0' && text.front() <= '9') || text.front() == '.');
+}
+
+// The whole text, blanks around it allowed, as a number; see parseInteger().
+template <typename Number>
+std::optional<Number> parseNumber(std::string_view text) {
+    text = trimBlanks(text);
+    if (!hasOneSignThenDigit(text)) return std::nullopt;
+    if (text.front() == '+') text.remove_prefix(1);
+    Number value{};
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+    return value;
 }
 
 // Moves `pos` past one code point; ASCII, the common case, without decoding.
@@ -65,6 +69,17 @@ void skipCodePoint(std::string_view text, std::size_t& pos) {
     } else {
         decodeUtf8(text, pos);
     }
+}
+
+// The case-folded code point at `pos`, moving `pos` past it; ASCII, the
+// common case, without decoding.
+char32_t nextFolded(std::string_view text, std::size_t& pos) {
+    const auto c = static_cast<unsigned char>(text[pos]);
+    if (c < 0x80) {
+        ++pos;
+        return char32_t(lowerAscii(char(c)));
+    }
+    return foldCase(decodeUtf8(text, pos));
 }
 
 }  // namespace
@@ -210,13 +225,8 @@ char32_t foldCase(char32_t codePoint) {
 String foldCase(std::string_view text) {
     String out;
     out.reserve(text.size());
-    if (isAscii(text)) {
-        for (char c : text)
-            out += lowerAscii(c);
-        return out;
-    }
     for (std::size_t pos = 0; pos < text.size();)
-        appendUtf8(out, foldCase(decodeUtf8(text, pos)));
+        appendUtf8(out, nextFolded(text, pos));
     return out;
 }
 
@@ -231,19 +241,8 @@ int compareIgnoreCase(std::string_view a, std::string_view b) {
     std::size_t i = 0;
     std::size_t j = 0;
     while (i < a.size() && j < b.size()) {
-        const auto ca = static_cast<unsigned char>(a[i]);
-        const auto cb = static_cast<unsigned char>(b[j]);
-        char32_t fa;
-        char32_t fb;
-        if (ca < 0x80 && cb < 0x80) {
-            fa = char32_t(lowerAscii(char(ca)));
-            fb = char32_t(lowerAscii(char(cb)));
-            ++i;
-            ++j;
-        } else {
-            fa = foldCase(decodeUtf8(a, i));
-            fb = foldCase(decodeUtf8(b, j));
-        }
+        const char32_t fa = nextFolded(a, i);
+        const char32_t fb = nextFolded(b, j);
         if (fa != fb) return fa < fb ? -1 : 1;
     }
     if (i < a.size()) return 1;
@@ -279,19 +278,20 @@ std::size_t CaseInsensitiveHash::operator()(std::string_view text) const {
         hash ^= codePoint;
         hash *= 1099511628211ull;
     };
-    for (std::size_t pos = 0; pos < text.size();) {
-        const auto c = static_cast<unsigned char>(text[pos]);
-        if (c < 0x80) {
-            mix(char32_t(lowerAscii(char(c))));
-            ++pos;
-        } else {
-            mix(foldCase(decodeUtf8(text, pos)));
-        }
-    }
+    for (std::size_t pos = 0; pos < text.size();)
+        mix(nextFolded(text, pos));
     return std::size_t(hash);
 }
 
 // --- Editing ---------------------------------------------------------------
+
+std::string_view trimBlanks(std::string_view text) {
+    while (!text.empty() && (text.front() == ' ' || text.front() == '\t'))
+        text.remove_prefix(1);
+    while (!text.empty() && (text.back() == ' ' || text.back() == '\t'))
+        text.remove_suffix(1);
+    return text;
+}
 
 String strip(std::string_view text, std::string_view characters, StripSide side) {
     const CharacterSet set(characters);
@@ -374,23 +374,11 @@ String quote(std::string_view text, char quoteChar, char escapeChar) {
 // --- Numbers ---------------------------------------------------------------
 
 std::optional<long long> parseInteger(std::string_view text) {
-    text = trimBlanks(text);
-    if (!hasOneSignThenDigit(text)) return std::nullopt;
-    if (text.front() == '+') text.remove_prefix(1);
-    long long value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-    return value;
+    return parseNumber<long long>(text);
 }
 
 std::optional<double> parseDouble(std::string_view text) {
-    text = trimBlanks(text);
-    if (!hasOneSignThenDigit(text)) return std::nullopt;
-    if (text.front() == '+') text.remove_prefix(1);
-    double value = 0.0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-    return value;
+    return parseNumber<double>(text);
 }
 
 int toInteger(std::string_view text, int defaultValue) {

@@ -104,6 +104,9 @@ struct CaseInsensitiveLess {
 
 // --- Editing ---------------------------------------------------------------
 
+// The text without the spaces and tabs around it; a view into `text`.
+std::string_view trimBlanks(std::string_view text);
+
 enum class StripSide { Start, End, Both };
 
 // Removes from the chosen side(s) every code point that is in `characters`.

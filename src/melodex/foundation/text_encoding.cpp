@@ -1,5 +1,7 @@
 #include "melodex/foundation/text_encoding.h"
 
+#include <utility>
+
 namespace melodex {
 
 namespace {
@@ -66,18 +68,8 @@ String decodeWindows1252(std::string_view bytes) {
     return out;
 }
 
-}  // namespace
-
-TextEncoding detectEncoding(std::string_view bytes) {
-    if (startsWith(bytes, "\xEF\xBB\xBF")) return TextEncoding::Utf8Bom;
-    if (startsWith(bytes, "\xFF\xFE")) return TextEncoding::Utf16LE;
-    if (startsWith(bytes, "\xFE\xFF")) return TextEncoding::Utf16BE;
-    return isValidUtf8(bytes) ? TextEncoding::Utf8 : TextEncoding::Windows1252;
-}
-
-String decodeText(std::string_view bytes, TextEncoding* detected) {
-    const TextEncoding encoding = detectEncoding(bytes);
-    if (detected) *detected = encoding;
+// The text of `bytes`, known to be in `encoding` (anything but plain UTF-8).
+String decodeAs(std::string_view bytes, TextEncoding encoding) {
     switch (encoding) {
         case TextEncoding::Utf8Bom:
             bytes.remove_prefix(3);
@@ -94,6 +86,27 @@ String decodeText(std::string_view bytes, TextEncoding* detected) {
             break;
     }
     return String(bytes);
+}
+
+}  // namespace
+
+TextEncoding detectEncoding(std::string_view bytes) {
+    if (startsWith(bytes, "\xEF\xBB\xBF")) return TextEncoding::Utf8Bom;
+    if (startsWith(bytes, "\xFF\xFE")) return TextEncoding::Utf16LE;
+    if (startsWith(bytes, "\xFE\xFF")) return TextEncoding::Utf16BE;
+    return isValidUtf8(bytes) ? TextEncoding::Utf8 : TextEncoding::Windows1252;
+}
+
+String decodeText(std::string_view bytes, TextEncoding* detected) {
+    const TextEncoding encoding = detectEncoding(bytes);
+    if (detected) *detected = encoding;
+    return encoding == TextEncoding::Utf8 ? String(bytes) : decodeAs(bytes, encoding);
+}
+
+String decodeText(std::string&& bytes, TextEncoding* detected) {
+    const TextEncoding encoding = detectEncoding(bytes);
+    if (detected) *detected = encoding;
+    return encoding == TextEncoding::Utf8 ? std::move(bytes) : decodeAs(bytes, encoding);
 }
 
 std::string encodeUtf16LE(std::string_view utf8, bool withBom) {

@@ -32,6 +32,8 @@ TextEncoding detectEncoding(std::string_view bytes);
 // The text of `bytes` as valid UTF-8, without the byte-order mark. Lone
 // surrogates and a truncated last UTF-16 unit become U+FFFD.
 String decodeText(std::string_view bytes, TextEncoding* detected = nullptr);
+// As above; plain UTF-8 bytes, the common case, are moved through uncopied.
+String decodeText(std::string&& bytes, TextEncoding* detected = nullptr);
 
 // UTF-16 little-endian bytes of a UTF-8 text, with the byte-order mark FF FE
 // in front when `withBom` is true.

@@ -1,8 +1,8 @@
 #include "melodex/foundation/text_file.h"
 
 #include <cerrno>
+#include <utility>
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include "melodex/foundation/file_system.h"
@@ -15,8 +15,6 @@ TextFile::~TextFile() {
 
 Status TextFile::open(std::string_view path, Mode mode, Encoding encoding) {
     close();
-    m_text.clear();
-    m_position = 0;
     m_detected = TextEncoding::Utf8;
     if (mode == Mode::Read) {
         if (const Status status = readTextFile(path, m_text, &m_detected);
@@ -82,7 +80,7 @@ Status TextFile::close() {
 Status readTextFile(std::string_view path, String& text, TextEncoding* detected) {
     std::string bytes;
     if (const Status status = readFileBytes(path, bytes); status != StatusSuccess) return status;
-    text = decodeText(bytes, detected);
+    text = decodeText(std::move(bytes), detected);
     return StatusSuccess;
 }
 

@@ -34,9 +34,16 @@ String decodeXmlBytes(String bytes) {
     if (bytes.size() >= 2 && bytes[0] == '\0' && bytes[1] == '<') {
         return decodeText("\xFE\xFF" + bytes);
     }
-    const TextEncoding encoding = detectEncoding(bytes);
-    if (encoding == TextEncoding::Utf8) return bytes;  // no copy for the common case
-    return decodeText(bytes);
+    return decodeText(std::move(bytes));
+}
+
+// The attribute called `name`, ignoring case; a null attribute when there is
+// none.
+pugi::xml_attribute findAttribute(const pugi::xml_node& node, std::string_view name) {
+    for (pugi::xml_attribute attr = node.first_attribute(); attr; attr = attr.next_attribute()) {
+        if (equalsIgnoreCase(attr.name(), name)) return attr;
+    }
+    return {};
 }
 
 // Fragment mode keeps top-level text so that we can refuse it; declarations
@@ -125,19 +132,12 @@ XmlNode XmlNode::nextSibling() const {
 }
 
 String XmlNode::attribute(std::string_view name, std::string_view defaultValue) const {
-    for (pugi::xml_attribute attr = pugi::xml_node(m_node).first_attribute(); attr;
-         attr = attr.next_attribute()) {
-        if (equalsIgnoreCase(attr.name(), name)) return attr.value();
-    }
-    return String(defaultValue);
+    const pugi::xml_attribute attr = findAttribute(pugi::xml_node(m_node), name);
+    return attr ? String(attr.value()) : String(defaultValue);
 }
 
 bool XmlNode::hasAttribute(std::string_view name) const {
-    for (pugi::xml_attribute attr = pugi::xml_node(m_node).first_attribute(); attr;
-         attr = attr.next_attribute()) {
-        if (equalsIgnoreCase(attr.name(), name)) return true;
-    }
-    return false;
+    return bool(findAttribute(pugi::xml_node(m_node), name));
 }
 
 std::vector<std::pair<String, String>> XmlNode::attributes() const {

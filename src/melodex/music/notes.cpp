@@ -1,7 +1,14 @@
 #include "melodex/music/notes.h"
 
+#include <array>
+
 namespace melodex {
 namespace {
+
+struct NoteName {
+    std::string_view name;
+    int number;
+};
 
 constexpr std::array<NoteName, 17> NoteTable = {{
     {"C", 0},
@@ -48,10 +55,6 @@ constexpr std::array<std::string_view, 12> KeySpelling = {"C",  "C#", "D",  "Eb"
                                                           "F#", "G",  "Ab", "A",  "Bb", "B"};
 
 }  // namespace
-
-const std::array<NoteName, 17>& noteNames() {
-    return NoteTable;
-}
 
 LeadingNote leadingNote(std::string_view text) {
     if (text.empty()) return {};

@@ -12,7 +12,6 @@
 //     chordNoteName(0, 8);     // "G#" (chords), while keyNoteName(8) is "Ab"
 //     isChords("C G Am F");    // true
 
-#include <array>
 #include <cstddef>
 #include <string_view>
 
@@ -20,25 +19,17 @@
 
 namespace melodex {
 
-struct NoteName {
-    std::string_view name;
-    int number;
-};
-
-// The seventeen note names accepted on input, in search order (C, C#, Db,
-// D ... Bb, B). Matching is case-sensitive: "c", "H", "Cb", "Fb", "E#" and
-// "B#" are not notes.
-const std::array<NoteName, 17>& noteNames();
-
 // A note name found at the start of a text.
 struct LeadingNote {
     int number = -1;         // -1 when the text does not start with a note name
     std::size_t length = 0;  // bytes of the name; 0 when there is none
 };
 
-// The note name that starts `text`. Only the first character, or the first
-// two when the second is "#" or "b", are looked at, and there is no fall-back
-// to one character: "Cb" gives no note although "C" is one.
+// The note name that starts `text`: one of the seventeen names C, C#, Db,
+// D ... Bb, B. Only the first character, or the first two when the second is
+// "#" or "b", are looked at, and there is no fall-back to one character: "Cb"
+// gives no note although "C" is one. Matching is case-sensitive: "c", "H",
+// "Fb", "E#" and "B#" are not notes.
 LeadingNote leadingNote(std::string_view text);
 
 // The number of the note name that starts `text`, or -1.

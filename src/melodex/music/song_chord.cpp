@@ -79,16 +79,17 @@ int SongChord::getNoteNumber(String& text) {
 }
 
 int SongChord::noteNumber(std::string_view text) {
-    return leadingNote(text).number;
+    return melodex::noteNumber(text);
 }
 
 void convertToChords(std::string_view line, std::vector<SongChord>& chords) {
-    String token;
-    int start = 0;
+    std::size_t tokenBegin = 0;  // byte where the current token begins
+    int start = 0;               // its code-point position
     int position = 0;
-    auto flush = [&] {
-        if (!token.empty() && leadingNote(token).number >= 0) chords.emplace_back(token, start);
-        token.clear();
+    auto flush = [&](std::size_t tokenEnd) {
+        if (tokenEnd == tokenBegin) return;
+        SongChord chord(line.substr(tokenBegin, tokenEnd - tokenBegin), start);
+        if (chord.isValid()) chords.push_back(std::move(chord));
     };
     std::size_t pos = 0;
     while (pos < line.size()) {
@@ -96,13 +97,12 @@ void convertToChords(std::string_view line, std::vector<SongChord>& chords) {
         const char32_t c = decodeUtf8(line, pos);
         ++position;
         if (c == U' ' || c == U'\t') {
-            flush();
+            flush(begin);
+            tokenBegin = pos;
             start = position;
-        } else {
-            token.append(line.substr(begin, pos - begin));
         }
     }
-    flush();
+    flush(line.size());
 }
 
 }  // namespace melodex

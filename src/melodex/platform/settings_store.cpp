@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <utility>
 
 #include "melodex/foundation/file_system.h"
 #include "melodex/foundation/ini_file.h"
@@ -34,11 +35,15 @@ String SettingsStore::path() const {
 }
 
 String SettingsStore::getString(std::string_view name, std::string_view defaultValue) const {
+    return snapshot().getString(name, defaultValue);
+}
+
+ConfigKey SettingsStore::snapshot() const {
     IniFile ini;
-    if (ini.load(path()) != StatusSuccess) return String(defaultValue);
-    const ConfigKey* section = ini.findKey(SettingsSection);
-    if (section == nullptr || !section->hasValue(name)) return String(defaultValue);
-    return section->getString(name);
+    if (ini.load(path()) == StatusSuccess) {
+        if (ConfigKey* section = ini.findKey(SettingsSection)) return std::move(*section);
+    }
+    return ConfigKey(String(SettingsSection));
 }
 
 Status SettingsStore::setString(std::string_view name, std::string_view value) {

@@ -23,6 +23,7 @@
 #include <string_view>
 #include <utility>
 
+#include "melodex/foundation/ini_file.h"
 #include "melodex/foundation/status.h"
 #include "melodex/foundation/text.h"
 
@@ -48,6 +49,10 @@ public:
     // The value of that name, or `defaultValue` when the file or the value
     // is missing or the file cannot be read.
     String getString(std::string_view name, std::string_view defaultValue = {}) const;
+
+    // Every value as the file holds it now, read once: for callers that read
+    // several. Empty when the file is missing or cannot be read.
+    ConfigKey snapshot() const;
 
     // Sets the value and saves the file atomically, creating its folder.
     // Returns 0 or the errno value of the failure. A file that exists but

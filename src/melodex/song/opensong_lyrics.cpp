@@ -11,9 +11,12 @@ namespace melodex {
 
 namespace {
 
+// A chord, parsed once when its row is read, and the code point it stands
+// over. The position moves while the lyric is edited; the chord takes it as
+// its offset when the line is made.
 struct PlacedChord {
-    int position;  // code point index in the text
-    String symbol;
+    int position;
+    SongChord chord;
 };
 
 // A lyric being edited before it becomes a SongLine: its code points and the
@@ -94,8 +97,10 @@ SongLine* makeLine(ChordedText lyric) {
 
     auto* line = new SongLine;
     line->setText(encode(lyric.text));
-    for (const PlacedChord& chord : lyric.chords)
-        line->addChord(new SongChord(chord.symbol, chord.position));
+    for (PlacedChord& placed : lyric.chords) {
+        placed.chord.offset(placed.position);
+        line->addChord(new SongChord(std::move(placed.chord)));
+    }
     return line;
 }
 
@@ -195,10 +200,10 @@ void Reader::readChordRow(std::u32string_view row) {
         const std::size_t start = column;
         while (column < row.size() && !isBlankCharacter(row[column]))
             ++column;
-        String symbol = encode(row.substr(start, column - start));
+        SongChord chord(encode(row.substr(start, column - start)));
         // Bar lines, rhythm slashes and remarks share the row with the
         // chords; only what reads as a chord is kept.
-        if (SongChord(symbol).isValid()) m_chords.push_back({int(start), std::move(symbol)});
+        if (chord.isValid()) m_chords.push_back({int(start), std::move(chord)});
     }
 }
 
@@ -209,7 +214,7 @@ void Reader::readLyricRow(std::u32string_view lyric, int verse, int markerWidth)
     // is a line that a musician sees without chords.
     if (m_chordsActive && m_chordsTaken.insert(verse).second) {
         for (const PlacedChord& chord : m_chords)
-            chords.push_back({std::max(chord.position - markerWidth, 0), chord.symbol});
+            chords.push_back({std::max(chord.position - markerWidth, 0), chord.chord});
     }
 
     // One pass over the row, so that a huge row costs no more than its
@@ -219,7 +224,7 @@ void Reader::readLyricRow(std::u32string_view lyric, int verse, int markerWidth)
     std::size_t next = 0;  // the first chord not placed yet
     auto placeChordsUpTo = [&](std::size_t position) {
         for (; next < chords.size() && std::size_t(chords[next].position) <= position; ++next)
-            piece.chords.push_back({int(piece.text.size()), std::move(chords[next].symbol)});
+            piece.chords.push_back({int(piece.text.size()), std::move(chords[next].chord)});
     };
     auto finishPiece = [&] {
         if (!piece.isBlank() || !piece.chords.empty()) addRow(verse, std::move(piece));
@@ -249,7 +254,7 @@ void Reader::readLyricRow(std::u32string_view lyric, int verse, int markerWidth)
     // Chords past the end keep their distance from it.
     for (; next < chords.size(); ++next) {
         const int past = chords[next].position - int(lyric.size());
-        piece.chords.push_back({int(piece.text.size()) + past, std::move(chords[next].symbol)});
+        piece.chords.push_back({int(piece.text.size()) + past, std::move(chords[next].chord)});
     }
     finishPiece();
 }
@@ -262,7 +267,7 @@ void Reader::endChords() {
     if (m_chordsActive && m_chordsTaken.empty() && !m_chords.empty()) {
         ChordedText chordsOnly;
         for (const PlacedChord& chord : m_chords)
-            chordsOnly.chords.push_back({chord.position - 1, chord.symbol});
+            chordsOnly.chords.push_back({chord.position - 1, chord.chord});
         addRow(0, std::move(chordsOnly));
     }
     m_chords.clear();

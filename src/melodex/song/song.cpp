@@ -11,17 +11,22 @@ namespace melodex {
 
 Song::Song() : m_updated(LocalTime::now()) {}
 
-Song::Song(const Song& other) : Song() {
-    *this = other;
+// Member by member rather than through Song() and clear(): both would read
+// the clock and fill an information block only to overwrite them.
+Song::Song(const Song& other)
+    : m_uuid(other.m_uuid),
+      m_updated(other.m_updated),
+      m_info(other.m_info),
+      m_numberInBook(other.m_numberInBook),
+      m_filename(other.m_filename),
+      m_pageCount(other.m_pageCount),
+      m_loadedFileType(other.m_loadedFileType) {
+    copySections(other);
 }
 
 Song& Song::operator=(const Song& other) {
     if (this == &other) return *this;
-    clear();
-    m_sections.reserve(other.m_sections.size());
-    for (const auto& section : other.m_sections) {
-        m_sections.push_back(std::make_unique<SongSection>(*section));
-    }
+    copySections(other);
     m_uuid = other.m_uuid;
     m_updated = other.m_updated;
     m_info = other.m_info;
@@ -33,6 +38,13 @@ Song& Song::operator=(const Song& other) {
     m_pageCount = other.m_pageCount;
     m_loadedFileType = other.m_loadedFileType;
     return *this;
+}
+
+void Song::copySections(const Song& other) {
+    m_sections.clear();
+    m_sections.reserve(other.m_sections.size());
+    for (const auto& section : other.m_sections)
+        m_sections.push_back(std::make_unique<SongSection>(*section));
 }
 
 Song::~Song() = default;

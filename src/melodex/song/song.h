@@ -58,9 +58,9 @@ public:
     Song();
     // A default song assigned from `other`.
     Song(const Song& other);
-    // Clears this song, then copies the sections deeply (their lines point at
-    // the copies) and uuid, updated, info, numberInBook, filename, pageCount
-    // and loadedFileType. The book link and the local sequence stay this
+    // Replaces the sections with deep copies (their lines point at the
+    // copies) and copies uuid, updated, info, numberInBook, filename,
+    // pageCount and loadedFileType. The book link and the local sequence stay this
     // song's own.
     Song& operator=(const Song& other);
     virtual ~Song();
@@ -220,9 +220,9 @@ protected:
     void processSongSmartData(std::string_view text);
 
 private:
-    // Reads plain-text lines into sections; the line splitting is the
-    // caller's. `open` is the section that the next non-blank line joins.
-    void readTextLine(std::string_view line, SongSection*& open);
+    void copySections(const Song& other);
+    // Adds the sections of plain text (already decoded) to the song.
+    void readText(std::string_view text);
 
     String m_uuid;
     LocalTime m_updated;

@@ -49,7 +49,8 @@ namespace {
 
 // The first entry whose offset is not below `offset`; the list is strictly
 // ascending, so this is where a chord at `offset` is or belongs.
-auto findSlot(std::vector<std::unique_ptr<SongChord>>& chords, int offset) {
+template <typename Chords>
+auto findSlot(Chords& chords, int offset) {
     return std::lower_bound(
         chords.begin(), chords.end(), offset,
         [](const std::unique_ptr<SongChord>& entry, int value) { return entry->offset() < value; });
@@ -81,22 +82,14 @@ void SongLine::addChord(SongChord* chord) {
 }
 
 void SongLine::addChord(const SongChord& chord) {
+    // Assigned in place, a replaced chord keeps its address: pointers that
+    // callers hold to it stay valid.
     const auto slot = findSlot(m_chords, chord.offset());
-    if (slot != m_chords.end() && (*slot)->offset() == chord.offset()) {
-        if (chord.isValid()) {
-            **slot = chord;
-        } else {
-            m_chords.erase(slot);
-        }
+    if (chord.isValid() && slot != m_chords.end() && (*slot)->offset() == chord.offset()) {
+        **slot = chord;
         return;
     }
-    if (!chord.isValid()) return;
-    if (slot != m_chords.end()) {
-        m_chords.insert(slot, std::make_unique<SongChord>(chord));
-        return;
-    }
-    m_chords.push_back(std::make_unique<SongChord>(chord));
-    if (m_section != nullptr) m_section->hasChords(true);
+    addChord(new SongChord(chord));
 }
 
 void SongLine::removeChord(int index) {
@@ -106,13 +99,10 @@ void SongLine::removeChord(int index) {
 }
 
 bool SongLine::getChordAtOffset(int offset, SongChord& out) const {
-    for (const auto& chord : m_chords) {
-        if (chord->offset() == offset) {
-            out = *chord;
-            return true;
-        }
-    }
-    return false;
+    const auto slot = findSlot(m_chords, offset);
+    if (slot == m_chords.end() || (*slot)->offset() != offset) return false;
+    out = **slot;
+    return true;
 }
 
 void SongLine::transpose(int semitones) {
@@ -132,13 +122,11 @@ void SongLine::addAttribute(const LineAttribute& attribute) {
 }
 
 void SongLine::setAttribute(std::string_view name, const Value& value) {
-    for (LineAttribute& attribute : m_attributes) {
-        if (equalsIgnoreCase(attribute.name, name)) {
-            attribute.value = value;
-            return;
-        }
+    if (LineAttribute* found = findAttribute(name)) {
+        found->value = value;
+    } else {
+        m_attributes.push_back({String(name), value});
     }
-    m_attributes.push_back({String(name), value});
 }
 
 bool SongLine::getAttribute(std::string_view name, Value& out) const {

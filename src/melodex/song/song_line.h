@@ -21,6 +21,7 @@
 
 #include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "melodex/foundation/text.h"
@@ -125,6 +126,9 @@ public:
 
 private:
     const LineAttribute* findAttribute(std::string_view name) const;
+    LineAttribute* findAttribute(std::string_view name) {
+        return const_cast<LineAttribute*>(std::as_const(*this).findAttribute(name));
+    }
 
     SongSection* m_section = nullptr;
     String m_text;

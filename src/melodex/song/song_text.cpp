@@ -4,30 +4,13 @@
 
 #include "melodex/song/song.h"
 
+#include "melodex/foundation/file_system.h"
 #include "melodex/foundation/text_encoding.h"
-#include "melodex/foundation/text_file.h"
 #include "melodex/song/vocabulary.h"
 
 namespace melodex {
 
 namespace {
-
-// Calls `take` with every line of `text`. CR LF counts as one line break, so
-// a file written with CR LF reads back with the same blank lines; a lone CR
-// or LF is a line break too.
-template <typename Take>
-void forEachLine(std::string_view text, Take take) {
-    std::size_t start = 0;
-    while (start < text.size()) {
-        std::size_t end = start;
-        while (end < text.size() && text[end] != '\n' && text[end] != '\r')
-            ++end;
-        take(text.substr(start, end - start));
-        if (end == text.size()) return;
-        start = end + 1;
-        if (text[end] == '\r' && start < text.size() && text[start] == '\n') ++start;
-    }
-}
 
 bool isBlank(char c) {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
@@ -35,59 +18,63 @@ bool isBlank(char c) {
 
 }  // namespace
 
-void Song::readTextLine(std::string_view line, SongSection*& open) {
-    while (!line.empty() && isBlank(line.back()))
-        line.remove_suffix(1);
-    if (line.empty()) {
-        open = nullptr;
-        return;
+void Song::readText(std::string_view text) {
+    // CR LF counts as one line break, so a file written with CR LF reads
+    // back with the same blank lines; a lone CR or LF is a line break too.
+    SongSection* open = nullptr;  // the section that the next lyric line joins
+    std::size_t start = 0;
+    while (start < text.size()) {
+        std::size_t end = start;
+        while (end < text.size() && text[end] != '\n' && text[end] != '\r')
+            ++end;
+        std::string_view line = text.substr(start, end - start);
+        start = end + 1;
+        if (end + 1 < text.size() && text[end] == '\r' && text[end + 1] == '\n') ++start;
+
+        while (!line.empty() && isBlank(line.back()))
+            line.remove_suffix(1);
+        if (line.empty()) {
+            open = nullptr;
+            continue;
+        }
+        if (open == nullptr) {
+            std::size_t tabs = 0;
+            while (tabs < line.size() && line[tabs] == '\t')
+                ++tabs;
+            open = new SongSection(tabs == 0   ? SectionType::Verse
+                                   : tabs == 1 ? SectionType::Chorus
+                                               : SectionType::Bridge);
+            addSection(open);
+        }
+        while (line.front() == '\t' || line.front() == ' ')
+            line.remove_prefix(1);
+        auto* songLine = new SongLine;
+        songLine->setText(line);
+        open->addLine(songLine);
     }
-    if (open == nullptr) {
-        std::size_t tabs = 0;
-        while (tabs < line.size() && line[tabs] == '\t')
-            ++tabs;
-        open = new SongSection(tabs == 0   ? SectionType::Verse
-                               : tabs == 1 ? SectionType::Chorus
-                                           : SectionType::Bridge);
-        addSection(open);
-    }
-    while (line.front() == '\t' || line.front() == ' ')
-        line.remove_prefix(1);
-    auto* songLine = new SongLine;
-    songLine->setText(line);
-    open->addLine(songLine);
 }
 
 Status Song::loadFromTextString(std::string_view text) {
-    // Text in memory may be the bytes of a file: decode them as a file would be.
-    String decoded;
-    if (detectEncoding(text) != TextEncoding::Utf8) {
-        decoded = decodeText(text);
-        text = decoded;
+    // Text in memory may be the bytes of a file: decode them as a file would
+    // be. Plain UTF-8, the common case, is read where it lies.
+    if (detectEncoding(text) == TextEncoding::Utf8) {
+        readText(text);
+    } else {
+        readText(decodeText(text));
     }
-    SongSection* open = nullptr;
-    forEachLine(text, [&](std::string_view line) { readTextLine(line, open); });
     m_loadedFileType = SongFileType::Text;
     generateSectionIDs();
     return StatusSuccess;
 }
 
 Status Song::loadFromTextFile(std::string_view path) {
-    TextFile file;
-    if (const Status status = file.open(path, TextFile::Mode::Read); status != StatusSuccess)
-        return status;
-    SongSection* open = nullptr;
-    String line;
-    while (file.readLine(line))
-        readTextLine(line, open);
-    m_loadedFileType = SongFileType::Text;
-    generateSectionIDs();
-    return StatusSuccess;
+    std::string bytes;
+    if (const Status status = readFileBytes(path, bytes); status != StatusSuccess) return status;
+    return loadFromTextString(bytes);
 }
 
 void Song::processSongSmartData(std::string_view text) {
-    SongSection* open = nullptr;
-    forEachLine(text, [&](std::string_view line) { readTextLine(line, open); });
+    readText(text);
 }
 
 }  // namespace melodex

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "melodex/foundation/file_system.h"
 #include "melodex/foundation/text_file.h"
 #include "melodex/foundation/xml.h"
 #include "melodex/song/opensong_lyrics.h"
@@ -195,8 +196,10 @@ Status Song::saveToFile(std::string_view path, int fileType) {
 
 Status Song::loadFromFile(std::string_view path) {
     clear();
-    Status status = loadFromXmlFile(path);
-    if (status != StatusSuccess) status = loadFromTextFile(path);
+    std::string bytes;
+    Status status = readFileBytes(path, bytes);
+    if (status == StatusSuccess && loadFromXmlString(bytes) != StatusSuccess)
+        status = loadFromTextString(bytes);
     m_filename.assign(path);
     return status;
 }

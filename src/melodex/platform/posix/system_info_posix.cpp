@@ -47,11 +47,12 @@ String SystemInfo::programPath() {
 }
 
 String SystemInfo::programFolder() {
-    String path = programPath();
-    return path.empty() ? String() : folderOf(path);
+    return folderOf(programPath());
 }
 
-String SystemInfo::executableName(std::string_view baseName) { return String(baseName); }
+String SystemInfo::executableName(std::string_view baseName) {
+    return String(baseName);
+}
 
 String SystemInfo::hostName() {
     // POSIX leaves it open whether a truncated name is terminated, so the
