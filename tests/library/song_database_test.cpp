@@ -222,6 +222,27 @@ TEST_F(SongDatabaseTest, SongFilesNeverRewriteTheIndexNorLoseTheirUuid) {
     m_db.close();
 }
 
+TEST_F(SongDatabaseTest, ReloadKeepsTheKnownUuidAndLeavesDamagedFilesAlone) {
+    const String path = writeSong("db/Song Files/Hymn.song", "Hymn", {"Line"}, "hymn-1");
+    m_db.open();
+    SongDBFileEntry* entry = m_db.findEntryByUUID("hymn-1");
+    ASSERT_NE(entry, nullptr);
+    writeSong("db/Song Files/Hymn.song", "Hymn again", {"Line"});  // saved without its uuid
+    m_db.reload(entry);
+    EXPECT_EQ(entry->uuid(), "hymn-1");
+    EXPECT_EQ(entry->title(), "Hymn again");
+    Song onDisk;
+    ASSERT_EQ(onDisk.loadFromFile(path), 0u);
+    EXPECT_EQ(onDisk.uuid(), "hymn-1");
+
+    const String damaged = "<song><info><title>Cut off</title></info><block><line>Half";
+    m_folder.write(path, damaged);
+    m_db.reload(entry);
+    EXPECT_EQ(m_folder.read(path), damaged);
+    EXPECT_EQ(entry->title(), "Hymn again");
+    m_db.close();
+}
+
 TEST_F(SongDatabaseTest, ImportFolderGoesToAnyDepthOnceAndReportsEachFile) {
     fs::copy(test::testDataPath("library/import"), m_folder.file("in"),
              fs::copy_options::recursive);

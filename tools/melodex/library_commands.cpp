@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 #include <set>
 #include <string>
@@ -14,7 +13,6 @@
 #include <fmt/core.h>
 #include <CLI/CLI.hpp>
 
-#include "melodex/app/melodex.h"
 #include "melodex/app/song_config.h"
 #include "melodex/foundation/file_system.h"
 #include "melodex/library/song_database.h"
@@ -24,8 +22,6 @@
 namespace melodex::cli {
 
 namespace {
-
-namespace fs = std::filesystem;
 
 // The id the command-line program gives the configuration.
 constexpr int ProgramId = 0;
@@ -41,59 +37,12 @@ std::string& dataFolder() {
     throw CLI::RuntimeError(1);
 }
 
-// Closes theSongDB (saving its index when it changed) however the command
-// ends.
-struct OpenLibrary {
-    OpenLibrary() { openSongLibrary(); }
-    OpenLibrary(const OpenLibrary&) = delete;
-    OpenLibrary& operator=(const OpenLibrary&) = delete;
-    ~OpenLibrary() { theSongDB.close(); }
-};
-
-// The text a song is listed under: its title, else its first line.
-String listedTitle(const Song& song) {
-    String title = strip(song.info().title());
-    return title.empty() ? SongDBFileEntry::firstLineOf(song) : title;
-}
-
-String listedTitle(const SongDBFileEntry& file) {
-    if (!file.title().empty()) return file.title();
-    for (const SongDBTextEntry* text : file.iterator()) {
-        if (text->type() != SongDBTextEntry::IndexEntry) return text->text();
-    }
-    return baseNameOf(file.filename());
-}
-
 String padRight(const String& text, std::size_t width) {
     const std::size_t length = codePointLength(text);
     return length >= width ? text : text + String(width - length, ' ');
 }
 
 // --- import ------------------------------------------------------------------------
-
-// The files an import takes from a folder, as SongDatabase::importFolder
-// would try them: song, sng, xml and txt files, to any depth, in name order,
-// each folder once however links lead back to it.
-void collectSongFiles(const String& folder, StringArray& files, std::set<String>& visited) {
-    std::error_code error;
-    const fs::path canonical = fs::canonical(fs::path(folder), error);
-    if (!visited.insert(error ? folder : canonical.string()).second) return;
-    const auto items = listFolder(folder);
-    if (!items) return;
-    for (const FolderItem& item : *items) {
-        const String path = joinPath(folder, item.name);
-        if (item.isFolder) {
-            collectSongFiles(path, files, visited);
-        } else if (item.isFile) {
-            for (std::string_view extension : {".song", ".sng", ".xml", ".txt"}) {
-                if (endsWithIgnoreCase(item.name, extension)) {
-                    files.push_back(path);
-                    break;
-                }
-            }
-        }
-    }
-}
 
 bool sameLyrics(const Song& a, const Song& b) {
     if (a.getSectionCount() != b.getSectionCount()) return false;
@@ -109,7 +58,7 @@ bool sameLyrics(const Song& a, const Song& b) {
 }
 
 // The library's songs by listed title (case-folded), to find a song that is
-// already in the library although its file carries no uuid.
+// already in the library under another uuid or none.
 class TitleIndex {
 public:
     TitleIndex() {
@@ -141,7 +90,7 @@ void importSongs(const ImportOptions& options) {
     int failed = 0;
     for (const std::string& path : options.paths) {
         if (folderExists(path)) {
-            collectSongFiles(path, files, visited);
+            SongDatabase::listImportableFiles(path, files, visited);
         } else if (fileExists(path)) {
             files.push_back(path);
         } else {
@@ -169,7 +118,7 @@ void importSongs(const ImportOptions& options) {
             ++failed;
             continue;
         }
-        if ((song.hasUUID() && theSongDB.findEntryByUUID(song.uuid())) || titles.contains(song)) {
+        if (theSongDB.holdsSong(song) || titles.contains(song)) {
             ++already;
             continue;
         }
@@ -282,16 +231,34 @@ void removeSong(const std::string& uuid) {
 
 void openSongLibrary() {
     if (!dataFolder().empty()) {
-        std::error_code error;
-        const fs::path absolute = fs::absolute(fs::path(dataFolder()), error);
-        const String database = joinPath(error ? dataFolder() : absolute.string(), "Song Database");
-        if (!createFolders(joinPath(database, "Song Files")))
-            fail("cannot create the song library in " + database);
-        theSongDB.setDatabaseFolder(database);
+        theSongDB.setDatabaseFolder(joinPath(absolutePath(dataFolder()), "Song Database"));
+        if (!createFolders(theSongDB.songFilesFolder()))
+            fail("cannot create the song library in " + theSongDB.databaseFolder());
     } else if (!theAppConfig.init(ProgramId)) {
         fail("the installation is unusable (see above); give a data folder with --data DIR");
     }
     theSongDB.open();
+}
+
+OpenLibrary::OpenLibrary() {
+    openSongLibrary();
+}
+
+OpenLibrary::~OpenLibrary() {
+    theSongDB.close();
+}
+
+String listedTitle(const Song& song) {
+    String title = strip(song.info().title());
+    return title.empty() ? SongDBFileEntry::firstLineOf(song) : title;
+}
+
+String listedTitle(const SongDBFileEntry& file) {
+    if (!file.title().empty()) return file.title();
+    for (const SongDBTextEntry* text : file.iterator()) {
+        if (text->type() != SongDBTextEntry::IndexEntry) return text->text();
+    }
+    return baseNameOf(file.filename());
 }
 
 void addLibraryCommands(CLI::App& app) {
@@ -308,9 +275,9 @@ void addLibraryCommands(CLI::App& app) {
     CLI::App* importCommand = library->add_subcommand(
         "import",
         "Copy song files (.song, .sng, .xml, .txt, OpenSong) or whole folders into the library. "
-        "A song whose uuid is in the library is skipped, and so is one without a uuid (a text "
-        "or OpenSong file) when the library has a song of the same title and the same lyrics, "
-        "so importing the same files again adds nothing.");
+        "A song whose uuid is in the library is skipped, and so is any other song when the "
+        "library has one of the same title and the same lyrics, so importing the same files "
+        "again adds nothing.");
     importCommand->add_option("PATH", import->paths, "song files or folders")->required();
     importCommand->callback([import] { importSongs(*import); });
 

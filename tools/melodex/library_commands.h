@@ -14,9 +14,16 @@
 // DIR/"Song Database" and its "Song Files" folder, created when missing.
 // Exit codes: 0 success, 1 failure (the reason on stderr), 2 usage.
 
+#include "melodex/foundation/text.h"
+
 namespace CLI {
 class App;
 }  // namespace CLI
+
+namespace melodex {
+class Song;
+class SongDBFileEntry;
+}  // namespace melodex
 
 namespace melodex::cli {
 
@@ -27,5 +34,20 @@ void addLibraryCommands(CLI::App& app);
 // configuration is unusable, says so and ends the command with exit code 1
 // (throws CLI::RuntimeError(1)). The caller closes theSongDB.
 void openSongLibrary();
+
+// openSongLibrary() for the lifetime of a command: theSongDB is closed
+// (saving its index when it changed) however the command ends.
+class OpenLibrary {
+public:
+    OpenLibrary();
+    OpenLibrary(const OpenLibrary&) = delete;
+    OpenLibrary& operator=(const OpenLibrary&) = delete;
+    ~OpenLibrary();
+};
+
+// The text a song is listed under: its title, else its first line (for a
+// library entry, else its file name).
+String listedTitle(const Song& song);
+String listedTitle(const SongDBFileEntry& file);
 
 }  // namespace melodex::cli

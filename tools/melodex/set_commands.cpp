@@ -9,7 +9,6 @@
 #include "library_commands.h"
 #include "melodex/foundation/file_system.h"
 #include "melodex/foundation/status.h"
-#include "melodex/library/song_database.h"
 #include "melodex/library/song_set.h"
 #include "melodex/song/chord_sheet.h"
 #include "melodex/song/song.h"
@@ -46,10 +45,7 @@ String describe(const SongSetEntry& entry) {
 }
 
 void showSet(const ShowOptions& options) {
-    openSongLibrary();
-    struct Close {
-        ~Close() { theSongDB.close(); }
-    } close;
+    OpenLibrary library;
 
     SongSet set;
     if (const Status status = set.loadFromFile(options.file); status != StatusSuccess) {
@@ -71,9 +67,7 @@ void showSet(const ShowOptions& options) {
                 break;
         }
         if (!entry.song()) continue;
-        String title = entry.song()->info().title();
-        if (title.empty()) title = SongDBFileEntry::firstLineOf(*entry.song());
-        fmt::print("{:2}. {}  ({})\n", i + 1, title, describe(entry));
+        fmt::print("{:2}. {}  ({})\n", i + 1, listedTitle(*entry.song()), describe(entry));
         if (options.chords) fmt::print("\n{}\n", chordSheet(*entry.song(), entry.transpose()));
     }
 }

@@ -68,4 +68,8 @@ String AppConfig::getSettingsString(std::string_view name, std::string_view defa
     return m_settings.getString(name, defaultValue);
 }
 
+ConfigKey AppConfig::getSettings() const {
+    return m_settings.snapshot();
+}
+
 }  // namespace melodex

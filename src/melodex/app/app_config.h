@@ -73,6 +73,8 @@ public:
 
     // A per-user setting, or `defaultValue` when it is not set.
     String getSettingsString(std::string_view name, std::string_view defaultValue) const;
+    // All per-user settings, read once (see SettingsStore::snapshot()).
+    ConfigKey getSettings() const;
 
 private:
     String m_programPath;

@@ -133,7 +133,6 @@ String Melodex::selectSongFile(const String& initialFolder) {
     request.filter = SongFileOpenFilter;
     request.initialFolder = initialFolder;
     request.fileMustExist = true;
-    request.longNames = true;
     return dialogs().openFile(request).value_or(String());
 }
 
@@ -153,7 +152,6 @@ String Melodex::saveSongFile(Song* song, const String& initialFolder) {
     request.initialFolder = initialFolder;
     request.overwritePrompt = true;
     request.pathMustExist = true;
-    request.longNames = true;
     request.enableSizing = true;
     const std::optional<SaveFileResult> chosen = dialogs().saveFile(request);
     if (!chosen) return String();

@@ -32,7 +32,6 @@ constexpr std::array<ProductDefault, 11> ProductDefaults{{
 
 constexpr const char* ProductFileName = "product.bcf";
 constexpr const char* LibraryStringTable = "Melodex.ini";
-constexpr const char* SongFilesFolderName = "Song Files";
 
 // The text lacks an "if"; it is the message as the family has always shown
 // it, and string tables that translate it match it word for word.
@@ -44,10 +43,10 @@ constexpr const char* ReinstallNeededText =
 // folder with its parents when it is missing. An empty setting counts as
 // none: taken as it is, it would put the data in whatever folder the program
 // happens to run in.
-String settleFolder(const SongConfig& config, const char* settingName, const String& defaultPath) {
-    String folder = config.getSettingsString(settingName, defaultPath);
+String settleFolder(const ConfigKey& settings, const char* settingName, const String& defaultPath) {
+    String folder = settings.getString(settingName, defaultPath);
     if (strip(folder).empty()) folder = defaultPath;
-    if (!folderExists(folder)) createFolders(folder);
+    createFolders(folder);
     return folder;
 }
 
@@ -100,24 +99,24 @@ bool SongConfig::init(int programId) {
     }
 
     m_programId = programId;
-    const String shared = getSharedDataFolder();
-    if (!folderExists(shared)) createFolders(shared);
+    createFolders(getSharedDataFolder());
 
-    m_userDataDir = settleFolder(*this, "UserDataDir", joinPath(getBaseUserFolder(), "Cantorix"));
+    const ConfigKey settings = getSettings();
+    m_userDataDir =
+        settleFolder(settings, "UserDataDir", joinPath(getBaseUserFolder(), "Cantorix"));
     m_displayProfilesDir =
-        settleFolder(*this, "DisplayProfilesDir", joinPath(m_userDataDir, "Display Profiles"));
+        settleFolder(settings, "DisplayProfilesDir", joinPath(m_userDataDir, "Display Profiles"));
     m_songDatabaseDir =
-        settleFolder(*this, "SongDatabaseDir", joinPath(m_userDataDir, "Song Database"));
+        settleFolder(settings, "SongDatabaseDir", joinPath(m_userDataDir, "Song Database"));
     m_imageDatabaseDir =
-        settleFolder(*this, "ImageDatabaseDir", joinPath(m_userDataDir, "Image Database"));
+        settleFolder(settings, "ImageDatabaseDir", joinPath(m_userDataDir, "Image Database"));
     m_bibleDatabaseDir =
-        settleFolder(*this, "BibleDatabaseDir", joinPath(m_userDataDir, "Bible Database"));
+        settleFolder(settings, "BibleDatabaseDir", joinPath(m_userDataDir, "Bible Database"));
     m_mediaDatabaseDir =
-        settleFolder(*this, "MediaDatabaseDir", joinPath(m_userDataDir, "Media Database"));
-    m_logFilesDir = settleFolder(*this, "LogFilesDir", joinPath(m_userDataDir, "Log Files"));
+        settleFolder(settings, "MediaDatabaseDir", joinPath(m_userDataDir, "Media Database"));
+    m_logFilesDir = settleFolder(settings, "LogFilesDir", joinPath(m_userDataDir, "Log Files"));
 
-    const String songFiles = getSongDatabaseFilesDir();
-    if (!folderExists(songFiles)) createFolders(songFiles);
+    createFolders(getSongDatabaseFilesDir());
     return true;
 }
 

@@ -21,7 +21,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view SongFilesFolderName = "Song Files";
 constexpr std::string_view SongExtension = ".song";
 constexpr std::string_view FolderDialogTitle = "Select Folder for Import";
 // Longest base name an import gives a file (in bytes), leaving room for a
@@ -33,6 +32,18 @@ bool isImportable(std::string_view name) {
         if (endsWithIgnoreCase(name, extension)) return true;
     }
     return false;
+}
+
+// The path with every link resolved, so that a folder reached through links
+// is known again; absolutePath(path) when it cannot be resolved. Paths are
+// UTF-8 whatever the system's code page.
+String resolvedPath(const String& path) {
+    std::error_code error;
+    const fs::path resolved =
+        fs::canonical(fs::path(std::u8string(path.begin(), path.end())), error);
+    if (error) return absolutePath(path);
+    const std::u8string text = resolved.u8string();
+    return String(text.begin(), text.end());
 }
 
 // A song title as a file name: characters that cannot stand in a file name
@@ -123,9 +134,10 @@ String SongDatabase::indexPath() const {
 unsigned SongDatabase::open() {
     if (!m_files.empty() || !m_entries.empty() || !m_indexPath.empty()) close();
 
-    m_openFolder = m_databaseFolder.empty() ? theAppConfig.getSongDatabaseDir() : m_databaseFolder;
-    m_openHostName = m_hostName.empty() ? SystemInfo::hostName() : m_hostName;
-    m_indexPath = joinPath(m_openFolder, "songdb-" + m_openHostName + ".ini");
+    // Settled here, so that later changes of the settings wait for the next
+    // open().
+    m_openFolder = databaseFolder();
+    m_indexPath = indexPath();
     m_changed = false;
     m_index.clear();
 
@@ -133,6 +145,7 @@ unsigned SongDatabase::open() {
     // asking the file system about each file of a large library twice
     // would cost more than everything else that open does.
     const std::optional<std::vector<FolderItem>> items = listFolder(songFilesFolder());
+    EntriesByName byName;
     std::unordered_set<std::string_view> present;
     if (items) {
         present.reserve(items->size());
@@ -146,8 +159,7 @@ unsigned SongDatabase::open() {
         StringArray stale;
         // Exact names: on a file system that tells case apart, "Hymn.song"
         // and "hymn.song" are two songs.
-        std::unordered_set<String> listed;
-        listed.reserve(std::size_t(m_index.getKeyCount()));
+        byName.reserve(std::size_t(m_index.getKeyCount()));
         m_files.reserve(std::size_t(m_index.getKeyCount()));
         for (int i = 0; i < m_index.getKeyCount(); ++i) {
             ConfigKey* key = m_index.getKey(i);
@@ -155,7 +167,7 @@ unsigned SongDatabase::open() {
             bool keep = file->load(key, &present);
             // A second section for a file already listed is left over from an
             // older state of the folder; keeping it would list the song twice.
-            if (keep && !listed.insert(file->filename()).second) {
+            if (keep && !byName.emplace(file->filename(), file.get()).second) {
                 removeTextEntriesForFile(file.get(), true);
                 keep = false;
             }
@@ -170,7 +182,7 @@ unsigned SongDatabase::open() {
             m_index.removeKey(name);
     }
 
-    if (items) scanSongFolder(*items);
+    if (items) scanSongFolder(*items, byName);
     sortTextEntries();
     if (m_changed) (void)saveDatabaseFiles();
     return 0;
@@ -185,7 +197,6 @@ unsigned SongDatabase::close() {
     m_index.clear();
     m_indexPath.clear();
     m_openFolder.clear();
-    m_openHostName.clear();
     m_changed = false;
     return 0;
 }
@@ -203,17 +214,18 @@ Status SongDatabase::saveDatabaseFiles() {
 }
 
 void SongDatabase::scanSongFolder() {
-    if (const std::optional<std::vector<FolderItem>> items = listFolder(songFilesFolder()))
-        scanSongFolder(*items);
-}
-
-void SongDatabase::scanSongFolder(const std::vector<FolderItem>& items) {
-    const String folder = songFilesFolder();
-    std::unordered_map<String, SongDBFileEntry*> byName;
+    const std::optional<std::vector<FolderItem>> items = listFolder(songFilesFolder());
+    if (!items) return;
+    EntriesByName byName;
     byName.reserve(m_files.size());
     for (const auto& file : m_files)
         byName.emplace(file->filename(), file.get());
+    scanSongFolder(*items, byName);
+}
 
+void SongDatabase::scanSongFolder(const std::vector<FolderItem>& items,
+                                  const EntriesByName& byName) {
+    const String folder = songFilesFolder();
     for (const FolderItem& item : items) {
         if (!item.isFile || !endsWithIgnoreCase(item.name, SongExtension)) continue;
         const String path = joinPath(folder, item.name);
@@ -227,47 +239,53 @@ void SongDatabase::scanSongFolder(const std::vector<FolderItem>& items) {
         // (An entry that the refresh drops is never looked up again: names
         // in a folder are unique.)
         const std::optional<LocalTime> modified = fileModificationTime(path);
-        if (modified && *modified != found->second->updated())
-            refreshEntry(found->second, *modified);
+        if (modified && *modified != found->second->updated()) refreshEntry(found->second);
     }
 }
 
-void SongDatabase::refreshEntry(SongDBFileEntry* file, const LocalTime& modified) {
-    removeFromLookups(file);
-    // The file changed under the entry: a song already held is read again
-    // in place, so that pointers to it stay valid.
-    if (!file->m_song) file->m_song = std::make_shared<Song>();
-    Song* song = file->m_song.get();
-    if (song->loadFromFile(file->path()) != StatusSuccess || !SongDBFileEntry::isSong(*song) ||
-        (!SongDBFileEntry::hasUsableUuid(*song) && SongDBFileEntry::isUnreadMarkup(*song))) {
+void SongDatabase::refreshEntry(SongDBFileEntry* file) {
+    Song fresh;
+    if (SongDBFileEntry::readLibrarySong(fresh, file->path(), file->uuid())) {
+        takeContents(file, fresh);
+    } else {
         // No longer a song: out of the library, like any file that is not
         // one, but the file itself stays untouched.
-        m_index.removeKey(file->uuid());
-        removeTextEntriesForFile(file, true);
-        std::erase_if(m_files, [file](const auto& own) { return own.get() == file; });
-        m_changed = true;
-        return;
+        dropEntry(file);
     }
-    if (!SongDBFileEntry::hasUsableUuid(*song)) {
-        // Edited outside the library and saved without its uuid: it keeps the
-        // one the library knows it by, in the file too, so that sets that
-        // name it find it again next time.
-        song->uuid(file->uuid());
-        (void)song->saveToFile(file->path(), SongFileType::Song);
-    }
+}
 
+void SongDatabase::takeContents(SongDBFileEntry* file, const Song& fresh) {
+    removeFromLookups(file);
     const String oldUuid = file->uuid();
-    file->m_uuid = song->uuid();
+    // Song sets and windows that show the held song keep a valid pointer.
+    if (file->m_song) {
+        *file->m_song = fresh;
+    } else {
+        file->m_song = std::make_shared<Song>(fresh);
+    }
+    file->m_uuid = fresh.uuid();
     makeUuidUnique(file);
     m_index.removeKey(oldUuid);
-    m_index.removeKey(song->uuid());
-    ConfigKey* key = m_index.createKey(song->uuid());
-    file->m_updated = fileModificationTime(file->path()).value_or(modified);
+    m_index.removeKey(file->uuid());
+    ConfigKey* key = m_index.createKey(file->uuid());
+    // The file's time, as when the file was added, so that the next open
+    // finds the entry up to date.
+    if (const std::optional<LocalTime> modified = fileModificationTime(file->path()))
+        file->m_updated = *modified;
     file->save(key);
     m_changed = true;
+    // The text entries, title and first line as the index now holds them.
     removeTextEntriesForFile(file, true);
     file->load(key);
     addToLookups(file);
+}
+
+void SongDatabase::dropEntry(SongDBFileEntry* file) {
+    m_index.removeKey(file->uuid());
+    removeTextEntriesForFile(file, true);
+    removeFromLookups(file);
+    std::erase_if(m_files, [file](const auto& own) { return own.get() == file; });
+    m_changed = true;
 }
 
 void SongDatabase::makeUuidUnique(SongDBFileEntry* file) {
@@ -417,58 +435,26 @@ void SongDatabase::sortTextEntries() {
 }
 
 void SongDatabase::removeEntry(SongDBFileEntry* file, bool save) {
-    const auto it = std::find_if(m_files.begin(), m_files.end(),
-                                 [file](const auto& own) { return own.get() == file; });
-    if (!file || it == m_files.end()) return;
-    m_index.removeKey(file->uuid());
-    removeTextEntriesForFile(file, true);
+    if (!isOwnEntry(file)) return;
     // Only a plain name is ever joined to the folder, so the removal cannot
     // reach outside it whatever the index held.
     const String path = isPlainFileName(file->filename()) ? file->path() : String();
-    removeFromLookups(file);
-    m_files.erase(it);
+    dropEntry(file);
     if (!path.empty()) (void)removeFile(path);
-    m_changed = true;
     if (save) (void)saveDatabaseFiles();
 }
 
 void SongDatabase::reload(SongDBFileEntry* file) {
     if (!isOwnEntry(file)) return;
-    const String path = file->path();
-    auto fresh = std::make_shared<Song>();
-    if (fresh->loadFromFile(path) != StatusSuccess || !SongDBFileEntry::isSong(*fresh)) return;
-    if (!SongDBFileEntry::hasUsableUuid(*fresh)) {
-        fresh->generateUUID();
-        (void)fresh->saveToFile(path, SongFileType::Song);
-    }
-
-    removeTextEntriesForFile(file, true);
-    removeFromLookups(file);
-    const String oldUuid = file->uuid();
-    // The held song takes the new contents in place: song sets and windows
-    // that show it keep a valid pointer.
-    if (file->m_song) {
-        *file->m_song = *fresh;
-    } else {
-        file->m_song = std::move(fresh);
-    }
-    file->fillFromSong(path);
-    makeUuidUnique(file);
-    // The file's time, as when the file was added, so that the next open
-    // finds the entry up to date.
-    if (auto modified = fileModificationTime(path)) file->m_updated = *modified;
-    // The title and first line as the index now holds them.
-    file->m_title = strip(file->m_song->info().title(), " \t\n\r");
-    file->m_firstline = SongDBFileEntry::firstLineOf(*file->m_song);
-    if (equalsIgnoreCase(file->m_firstline, file->m_title)) file->m_firstline.clear();
-
-    m_index.removeKey(oldUuid);
-    m_index.removeKey(file->uuid());
-    file->save(m_index.createKey(file->uuid()));
-    addToLookups(file);
-    m_changed = true;
+    Song fresh;
+    if (!SongDBFileEntry::readLibrarySong(fresh, file->path(), file->uuid())) return;
+    takeContents(file, fresh);
     sortTextEntries();
     flush();
+}
+
+bool SongDatabase::holdsSong(const Song& song) const {
+    return SongDBFileEntry::hasUsableUuid(song) && findEntryByUUID(song.uuid()) != nullptr;
 }
 
 // --- Imports -----------------------------------------------------------------------------
@@ -481,12 +467,11 @@ SongDBFileEntry* SongDatabase::importFile(const String& path, bool save, bool na
 
 SongDBFileEntry* SongDatabase::importSong(Song& song, const String& sourcePath, bool save,
                                           bool nameByTitle) {
+    if (holdsSong(song)) return nullptr;  // imported before
     if (!SongDBFileEntry::hasUsableUuid(song)) {
         do {
             song.generateUUID();
         } while (findEntryByUUID(song.uuid()));
-    } else if (findEntryByUUID(song.uuid())) {
-        return nullptr;  // imported before
     }
 
     String base = nameByTitle ? fileNameFromTitle(song.info().title()) : String();
@@ -525,34 +510,31 @@ SongDBFileEntry* SongDatabase::importSong(Song& song, const String& sourcePath, 
     return entry;
 }
 
-bool SongDatabase::importFolder(const String& folder) {
-    return importFolder(folder, nullptr);
+void SongDatabase::listImportableFiles(const String& folder, StringArray& files,
+                                       std::set<String>& visited) {
+    if (!visited.insert(resolvedPath(folder)).second) return;
+    const std::optional<std::vector<FolderItem>> items = listFolder(folder);
+    if (!items) return;
+    for (const FolderItem& item : *items) {
+        const String path = joinPath(folder, item.name);
+        if (item.isFolder) {
+            listImportableFiles(path, files, visited);
+        } else if (item.isFile && isImportable(item.name)) {
+            files.push_back(path);
+        }
+    }
 }
 
 bool SongDatabase::importFolder(const String& folder, const ImportProgress& progress) {
     WaitCursor busy(theBaseApp.dialogs());
+    StringArray files;
     std::set<String> visited;
-    return importFolderTree(folder, progress, visited);
-}
-
-bool SongDatabase::importFolderTree(const String& folder, const ImportProgress& progress,
-                                    std::set<String>& visited) {
-    std::error_code error;
-    const fs::path canonical = fs::canonical(fs::path(folder), error);
-    if (!visited.insert(error ? folder : canonical.string()).second) return false;
-
-    const std::optional<std::vector<FolderItem>> items = listFolder(folder);
-    if (!items) return false;
+    listImportableFiles(folder, files, visited);
     bool imported = false;
-    for (const FolderItem& item : *items) {
-        const String path = joinPath(folder, item.name);
-        if (item.isFolder) {
-            imported = importFolderTree(path, progress, visited) || imported;
-        } else if (item.isFile && isImportable(item.name)) {
-            const bool done = importFile(path, false, false) != nullptr;
-            if (progress) progress(path, done);
-            imported = imported || done;
-        }
+    for (const String& path : files) {
+        const bool done = importFile(path, false, false) != nullptr;
+        if (progress) progress(path, done);
+        imported = imported || done;
     }
     return imported;
 }

@@ -33,7 +33,6 @@
 
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <ranges>
 #include <set>
 #include <unordered_map>
@@ -132,9 +131,16 @@ public:
     // Reads an entry's song file again after it was edited: the held song
     // (the same object, so pointers to it stay valid) takes the new
     // contents, the text entries and the index section are made anew, the
-    // list is sorted and the index saved. A file that no longer reads as a
-    // song leaves the entry as it was.
+    // list is sorted and the index saved. A song saved without its uuid
+    // takes the entry's, in the file too. A file that no longer reads as a
+    // song, or markup that did not parse, leaves the entry and the file as
+    // they were.
     void reload(SongDBFileEntry* file);
+
+    // True when the song was imported before: its uuid is one the library
+    // knows. A song without a usable uuid is never held (importing gives it
+    // a fresh one).
+    bool holdsSong(const Song& song) const;
 
     // --- Imports -------------------------------------------------------------------
 
@@ -152,23 +158,23 @@ public:
     // The song is given a uuid when it has none; the library keeps a copy.
     SongDBFileEntry* importSong(Song& song, const String& sourcePath, bool save, bool nameByTitle);
 
-    // Imports every ".song", ".sng", ".xml" and ".txt" file of the folder
-    // and of its sub-folders, to any depth (a folder reached twice through
-    // links is read once), showing the wait cursor. True when at least one
-    // file was imported. The index is not saved.
-    bool importFolder(const String& folder);
-    bool importFolder(const String& folder, const ImportProgress& progress);
+    // Appends to `files` the files an import takes from the folder: every
+    // ".song", ".sng", ".xml" and ".txt" file of it and of its sub-folders,
+    // to any depth, in name order. A folder already in `visited` (reached
+    // twice through links, or listed by an earlier call) is skipped.
+    static void listImportableFiles(const String& folder, StringArray& files,
+                                    std::set<String>& visited);
+
+    // Imports the files listImportableFiles finds in the folder, showing
+    // the wait cursor. True when at least one file was imported. The index
+    // is not saved.
+    bool importFolder(const String& folder, const ImportProgress& progress = {});
 
     // Asks for song files (several at once) or for a folder through
     // theBaseApp's dialogs, imports them and saves the index when anything
     // was imported. Cancel does nothing.
     void selectAndImportFiles();
     void selectAndImportFolder();
-
-    // For programs that read the lists from another thread: lock this while
-    // doing so. The library's own operations do not take it; they are meant
-    // for the user-interface thread.
-    std::recursive_mutex& mutex() const { return m_mutex; }
 
 protected:
     // Writes the index file; `changed` is cleared when that succeeded. 0 or
@@ -197,17 +203,27 @@ private:
         int count = 0;
     };
     using Lookup = std::unordered_map<String, Slot, CaseInsensitiveHash, CaseInsensitiveEqual>;
+    // Entries by their exact file names.
+    using EntriesByName = std::unordered_map<String, SongDBFileEntry*>;
 
     SongDBFileEntry* addFileEntry(const String& path, std::shared_ptr<Song> loaded);
-    // scanSongFolder() over a listing of the folder already made.
-    void scanSongFolder(const std::vector<FolderItem>& items);
-    void refreshEntry(SongDBFileEntry* file, const LocalTime& modified);
+    // scanSongFolder() over a listing of the folder, and the entries by
+    // name, already made.
+    void scanSongFolder(const std::vector<FolderItem>& items, const EntriesByName& byName);
+    // Reads an entry's song file again; an entry whose file no longer reads
+    // as a song is dropped (the file stays).
+    void refreshEntry(SongDBFileEntry* file);
+    // Gives the entry's held song the contents of `fresh` (in place, so that
+    // pointers to it stay valid) and makes its index section, text entries
+    // and lookups anew.
+    void takeContents(SongDBFileEntry* file, const Song& fresh);
+    // Takes the entry out of the lists, the lookups and the index; its song
+    // file stays.
+    void dropEntry(SongDBFileEntry* file);
     // Gives the entry's song a uuid that no other entry has, written into
     // its file, when another entry has its uuid (a song file copied inside
     // the folder).
     void makeUuidUnique(SongDBFileEntry* file);
-    bool importFolderTree(const String& folder, const ImportProgress& progress,
-                          std::set<String>& visited);
     bool isOwnEntry(const SongDBFileEntry* file) const;
 
     void appendFile(std::unique_ptr<SongDBFileEntry> file);
@@ -228,10 +244,8 @@ private:
     String m_databaseFolder;  // as set; empty for the configured one
     String m_hostName;        // as set; empty for the computer's
     String m_openFolder;      // as open() settled it
-    String m_openHostName;
     mutable Lookup m_byUuid;
     mutable Lookup m_byFilename;
-    mutable std::recursive_mutex m_mutex;
 };
 
 // The one instance, defined with the other globals (app/globals.h).

@@ -78,25 +78,31 @@ void SongDBFileEntry::clear() {
 bool SongDBFileEntry::load(const String& path) {
     if (path.empty()) return m_song != nullptr;
     if (!m_song) m_song = std::make_shared<Song>();
-    if (m_song->loadFromFile(path) != StatusSuccess || !isSong(*m_song)) {
-        // Not written back: a file that is not a song stays as it was.
+    if (!readLibrarySong(*m_song, path, {})) {
         m_song.reset();
         return false;
     }
-    if (!hasUsableUuid(*m_song)) {
-        // Markup that did not parse reads as plain text whose first line is
-        // a tag; writing the uuid back would turn the user's (repairable)
-        // file into lines of raw markup, so such a file is left alone.
-        if (isUnreadMarkup(*m_song)) {
-            m_song.reset();
-            return false;
-        }
-        // The uuid is the song's name in the index: written into the file it
-        // stays the same however often the library is rebuilt.
-        m_song->generateUUID();
-        (void)m_song->saveToFile(path, SongFileType::Song);
-    }
     fillFromSong(path);
+    return true;
+}
+
+bool SongDBFileEntry::readLibrarySong(Song& song, const String& path, const String& knownUuid) {
+    // Not written back: a file that is not a song stays as it was.
+    if (song.loadFromFile(path) != StatusSuccess || !isSong(song)) return false;
+    if (hasUsableUuid(song)) return true;
+    // Markup that did not parse reads as plain text whose first line is a
+    // tag; writing the uuid back would turn the user's (repairable) file
+    // into lines of raw markup, so such a file is left alone.
+    if (isUnreadMarkup(song)) return false;
+    // The uuid is the song's name in the index and in song sets: written
+    // into the file it stays the same however often the library is rebuilt,
+    // and a song saved elsewhere without it keeps the one the library knows.
+    if (knownUuid.empty()) {
+        song.generateUUID();
+    } else {
+        song.uuid(knownUuid);
+    }
+    (void)song.saveToFile(path, SongFileType::Song);
     return true;
 }
 

@@ -147,6 +147,12 @@ private:
     // already at hand (null: ask the file system).
     bool load(const ConfigKey* key, const std::unordered_set<std::string_view>* present);
 
+    // Reads a song file of the library's folder into `song`. False when it
+    // does not read as a song, or is markup that did not parse and has no
+    // uuid. A song without a usable uuid takes `knownUuid` (a fresh one when
+    // empty) and is written back with it.
+    static bool readLibrarySong(Song& song, const String& path, const String& knownUuid);
+
     // load(path) for a song already read from that path; the entry takes it.
     bool loadFromSong(std::shared_ptr<Song> song, const String& path);
     // Steps of load(path) after the song is read.
