@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <filesystem>
 #include <system_error>
 
@@ -49,6 +50,68 @@ bool writeAll(int fd, std::string_view bytes) {
         bytes.remove_prefix(std::size_t(written));
     }
     return true;
+}
+
+// The umask of the process, read without changing it (umask() can only be
+// read by setting it, which would race with other threads).
+mode_t currentUmask() {
+    static const mode_t mask = [] {
+        std::FILE* status = std::fopen("/proc/self/status", "re");
+        mode_t value = 022;
+        if (!status) return value;
+        char line[256];
+        while (std::fgets(line, sizeof line, status)) {
+            unsigned parsed = 0;
+            if (std::sscanf(line, "Umask: %o", &parsed) == 1) {
+                value = mode_t(parsed);
+                break;
+            }
+        }
+        std::fclose(status);
+        return value;
+    }();
+    return mask;
+}
+
+// Follows `target` through symbolic links to the file a write must replace.
+// `replacing` tells whether a regular file is there (its information in
+// `existing`); anything else that is there is refused.
+Status resolveWriteTarget(String& target, struct stat& existing, bool& replacing) {
+    constexpr int MaxLinks = 40;  // as the kernel allows in one lookup
+    for (int hops = 0;; ++hops) {
+        if (::lstat(target.c_str(), &existing) != 0) {
+            if (errno == ENOENT) return StatusSuccess;  // a new file
+            return lastError();
+        }
+        if (S_ISLNK(existing.st_mode)) {
+            if (hops == MaxLinks) return Status(ELOOP);
+            std::string link(std::size_t(existing.st_size > 0 ? existing.st_size : 255) + 1, '\0');
+            const ssize_t length = ::readlink(target.c_str(), link.data(), link.size());
+            if (length < 0) return lastError();
+            link.resize(std::size_t(length));
+            target = isAbsolutePath(link) ? link : joinPath(folderOf(target), link);
+            continue;
+        }
+        if (!S_ISREG(existing.st_mode)) return StatusNotRegularFile;
+        replacing = true;
+        return StatusSuccess;
+    }
+}
+
+Status renameOver(const String& temporary, const String& target) {
+    return ::rename(temporary.c_str(), target.c_str()) == 0 ? StatusSuccess : lastError();
+}
+
+// Gives the finished file its name only when no file has it: a hard link
+// fails when the name is taken, where a rename would replace the file. File
+// systems without hard links get a rename that refuses to replace.
+Status linkAsNew(const String& temporary, const String& target) {
+    if (::link(temporary.c_str(), target.c_str()) == 0) return StatusSuccess;
+    if (errno != EPERM && errno != ENOTSUP && errno != EOPNOTSUPP && errno != ENOSYS)
+        return lastError();
+    if (::renameat2(AT_FDCWD, temporary.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0)
+        return StatusSuccess;
+    return lastError();
 }
 
 }  // namespace
@@ -194,9 +257,16 @@ Status readFileBytes(std::string_view path, std::string& bytes) {
     return StatusSuccess;
 }
 
-Status writeFileAtomically(std::string_view path, std::string_view bytes) {
+Status writeFileAtomically(std::string_view path, std::string_view bytes, WriteMode mode) {
     if (path.empty()) return Status(ENOENT);
-    const String target(path);
+    String target(path);
+    struct stat existing {};
+    bool replacing = false;
+    if (mode == WriteMode::Replace) {
+        const Status found = resolveWriteTarget(target, existing, replacing);
+        if (found != StatusSuccess) return found;
+    }
+
     // The temporary file lies beside the target so that the rename stays on
     // one file system and is atomic; its name starts with a dot so that
     // folder scans for songs never pick it up.
@@ -206,27 +276,35 @@ Status writeFileAtomically(std::string_view path, std::string_view bytes) {
     const int fd = ::mkstemp(temporary.data());
     if (fd < 0) return lastError();
 
-    // mkstemp creates the file readable by its owner only: keep the mode of
-    // the file being replaced, or give a new file the usual 0644.
-    struct stat existing {};
-    const bool replacing = ::stat(target.c_str(), &existing) == 0;
-    ::fchmod(fd, replacing ? (existing.st_mode & 07777) : 0644);
+    // mkstemp makes the file its owner's alone: give it the replaced file's
+    // owner and mode (owner first, as a change of owner clears set-id bits),
+    // or the mode a new file would have had.
+    if (replacing) {
+        if ((existing.st_uid != ::geteuid() || existing.st_gid != ::getegid()) &&
+            ::fchown(fd, existing.st_uid, existing.st_gid) != 0) {
+            // Not allowed to give the file away; keeping its group may still be.
+            (void)!::fchown(fd, uid_t(-1), existing.st_gid);
+        }
+        ::fchmod(fd, existing.st_mode & 07777);
+    } else {
+        ::fchmod(fd, 0666 & ~currentUmask());
+    }
 
-    // Flushing makes the rename safe against power loss: without it a
-    // replaced file could come back empty. A new file has nothing to lose,
-    // and skipping the flush keeps bulk imports of thousands of songs fast.
     if (!writeAll(fd, bytes) || (replacing && ::fsync(fd) != 0)) {
         const Status status = lastError();
         ::close(fd);
         ::unlink(temporary.c_str());
         return status;
     }
-    if (::close(fd) != 0 || ::rename(temporary.c_str(), target.c_str()) != 0) {
+    if (::close(fd) != 0) {
         const Status status = lastError();
         ::unlink(temporary.c_str());
         return status;
     }
-    return StatusSuccess;
+    const Status placed = mode == WriteMode::Replace ? renameOver(temporary, target)
+                                                     : linkAsNew(temporary, target);
+    if (placed != StatusSuccess || mode == WriteMode::CreateNew) ::unlink(temporary.c_str());
+    return placed;
 }
 
 }  // namespace melodex

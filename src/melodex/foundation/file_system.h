@@ -78,9 +78,30 @@ std::optional<std::vector<FolderItem>> listFolder(std::string_view path);
 // Reads a whole file as bytes; 0 or the errno value.
 [[nodiscard]] Status readFileBytes(std::string_view path, std::string& bytes);
 
-// Replaces the file's contents atomically: the bytes go to a temporary file
-// in the same folder, which is flushed and then renamed over `path`. A
-// failure leaves the old file as it was and returns the errno value.
-[[nodiscard]] Status writeFileAtomically(std::string_view path, std::string_view bytes);
+// How writeFileAtomically treats a file already at the path.
+enum class WriteMode {
+    Replace,    // its contents are replaced
+    CreateNew,  // the write fails with EEXIST and the file is left alone
+};
+
+// Writes a whole file so that no reader, and no crash, ever sees half of it:
+// the bytes go to a temporary file in the target's folder, which then takes
+// the target's name in one step. Every file the library writes goes through
+// here. A failure leaves what was at the path as it was and returns the
+// errno value, or StatusNotRegularFile.
+//
+// - A symbolic link is followed (to any depth) and its final target is
+//   replaced; the link stays a link. A dangling link gets its target made.
+// - A replaced file keeps its permission bits, and its owner and group where
+//   the process may set them; a new file gets 0666 less the umask.
+// - Only a regular file is ever replaced: a folder, FIFO, device or socket at
+//   the path gives StatusNotRegularFile and is not touched.
+// - A file with several hard links is replaced under this name only; its
+//   other names keep the old contents (the price of never writing in place).
+// - Replacing is flushed to the disk before the rename, so that a power cut
+//   never leaves an empty file where a good one was; a new file is not, which
+//   keeps imports of thousands of songs fast.
+[[nodiscard]] Status writeFileAtomically(std::string_view path, std::string_view bytes,
+                                         WriteMode mode = WriteMode::Replace);
 
 }  // namespace melodex

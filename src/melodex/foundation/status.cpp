@@ -32,6 +32,10 @@ constexpr const char* XmlMessages[] = {
 std::string statusMessage(Status status) {
     if (status == StatusSuccess) return "success";
     if (status == StatusFailed) return "the document is not what was expected";
+    if (status == StatusNotRegularFile) return "not a regular file; it is left as it is";
+    if (status == StatusNoFolder) return "no data folder is configured";
+    if (status == StatusLockTimedOut) return "another program kept the library locked too long";
+    if (status == StatusReadOnly) return "opened for reading only";
     if (status == StatusXmlMalformed) return "not a single well-formed XML document";
     if (isXmlStatus(status)) {
         const Status code = status - StatusXmlBase;
@@ -42,6 +46,24 @@ std::string statusMessage(Status status) {
         return std::strerror(int(status));
     }
     return "error " + std::to_string(status);
+}
+
+void FileError::record(Action what, std::string_view where, Status result) {
+    if (result == StatusSuccess || status != StatusSuccess) return;
+    status = result;
+    action = what;
+    path.assign(where);
+}
+
+std::string FileError::message() const {
+    if (status == StatusSuccess) return {};
+    static constexpr const char* Verbs[] = {"cannot use",         "cannot read",
+                                            "cannot write",       "cannot remove",
+                                            "cannot create folder", "cannot list folder",
+                                            "cannot lock"};
+    std::string text = Verbs[int(action)];
+    if (!path.empty()) text += " \"" + path + "\"";
+    return text + ": " + statusMessage(status);
 }
 
 }  // namespace melodex
