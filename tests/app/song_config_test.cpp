@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "melodex/app/melodex.h"
-#include "melodex/app/string_tables.h"
+#include "melodex/foundation/string_tables.h"
 #include "melodex/foundation/file_system.h"
 #include "melodex/platform/settings_store.h"
 #include "melodex/song/song.h"

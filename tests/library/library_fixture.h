@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include "melodex/app/melodex.h"
 #include "melodex/foundation/file_system.h"
 #include "melodex/foundation/ini_file.h"
 #include "melodex/library/song_database.h"
@@ -22,9 +21,8 @@ protected:
         createFolders(libraryFile(""));
         m_db.setDatabaseFolder(m_folder.file("db"));
         m_db.setHostName("CHOIRPC");
-        theBaseApp.setDialogs(&m_dialogs);
+        m_db.setDialogs(&m_dialogs);
     }
-    ~LibraryTest() override { theBaseApp.setDialogs(nullptr); }
 
     String libraryFile(const String& name) const { return m_folder.file("db/Song Files/" + name); }
     String indexFile(const String& host = "CHOIRPC") const {

@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "melodex/app/string_tables.h"
 #include "melodex/foundation/file_system.h"
+#include "melodex/foundation/string_tables.h"
 #include "melodex/library/song_database.h"
 #include "melodex/music/notes.h"
 #include "melodex/platform/dialogs.h"
@@ -15,11 +15,6 @@
 namespace melodex {
 
 namespace {
-
-HeadlessDialogs& headlessDialogs() {
-    static HeadlessDialogs dialogs;
-    return dialogs;
-}
 
 ProcessLauncher& systemLauncher() {
     static ProcessLauncher launcher;
@@ -94,11 +89,13 @@ String Melodex::getSettingsString(const String& name, const String& defaultValue
 }
 
 Dialogs& Melodex::dialogs() const {
-    return m_dialogs ? *m_dialogs : headlessDialogs();
+    return m_dialogs ? *m_dialogs : sharedHeadlessDialogs();
 }
 
 void Melodex::setDialogs(Dialogs* dialogs) {
     m_dialogs = dialogs;
+    // The library shows the same dialogs as the program.
+    if (this == &theBaseApp) theSongDB.setDialogs(dialogs);
 }
 
 ProcessLauncher& Melodex::processLauncher() const {

@@ -32,18 +32,6 @@ class Dialogs;
 class Song;
 class SongDBFileEntry;
 
-// The filter of the dialogs that open or import song files, exactly as the
-// programs have always shown it (the doubled closing parentheses included).
-inline constexpr const char* SongFileOpenFilter =
-    "Song Files (*.song;*.sng;*.xml;*.txt))|*.song; *.sng; *.xml; *.txt|Cantorix Files "
-    "(*.song))|*.song|XML Song Files (*.xml)|*.xml|Creative Lifestyle Song Files "
-    "(*.sng)|*.sng|Text Files (*.txt)|*.txt|All Files (*.*)|*.*||";
-
-// The filter of the dialog that saves a song; the chosen entry's 1-based
-// position is the file type written (1 song, 2 text, 3 sng).
-inline constexpr const char* SongFileSaveFilter =
-    "Cantorix Files (*.song))|*.song|Text Files (*.txt)|*.txt|Other Song Files (*.sng)|*.sng||";
-
 // The programs that editSong() and viewSong() start, without the system's
 // executable suffix.
 inline constexpr const char* EditorProgramName = "Scrivel";

@@ -4,6 +4,7 @@
 
 #include "melodex/app/melodex.h"
 #include "melodex/foundation/file_system.h"
+#include "melodex/library/song_database.h"
 #include "melodex/platform/dialogs.h"
 
 namespace melodex {
@@ -117,6 +118,8 @@ bool SongConfig::init(int programId) {
     m_logFilesDir = settleFolder(settings, "LogFilesDir", joinPath(m_userDataDir, "Log Files"));
 
     createFolders(getSongDatabaseFilesDir());
+    // The program's configuration points the shared library at its folder.
+    if (this == &theAppConfig) theSongDB.setDatabaseFolder(m_songDatabaseDir);
     return true;
 }
 

@@ -20,10 +20,6 @@
 
 namespace melodex {
 
-// The folder, in the song database folder, that holds the library's own song
-// files.
-inline constexpr const char* SongFilesFolderName = "Song Files";
-
 class SongConfig : public AppConfig {
 public:
     // The configuration of the running program.

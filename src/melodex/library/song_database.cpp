@@ -7,11 +7,10 @@
 #include <system_error>
 #include <unordered_set>
 
-#include "melodex/app/melodex.h"
-#include "melodex/app/song_config.h"
 #include "melodex/foundation/file_system.h"
 #include "melodex/foundation/uuid.h"
 #include "melodex/platform/dialogs.h"
+#include "melodex/platform/headless_dialogs.h"
 #include "melodex/platform/system_info.h"
 #include "melodex/song/song.h"
 
@@ -106,6 +105,10 @@ Placement placeFile(const String& staging, const String& target) {
 
 SongDatabase::SongDatabase() = default;
 
+Dialogs& SongDatabase::dialogs() const {
+    return m_dialogs ? *m_dialogs : sharedHeadlessDialogs();
+}
+
 SongDatabase::~SongDatabase() {
     // Text entries first: they point at the file entries.
     m_entries.clear();
@@ -115,8 +118,7 @@ SongDatabase::~SongDatabase() {
 // --- Where the library lies -------------------------------------------------------
 
 String SongDatabase::databaseFolder() const {
-    if (!m_openFolder.empty()) return m_openFolder;
-    return m_databaseFolder.empty() ? theAppConfig.getSongDatabaseDir() : m_databaseFolder;
+    return m_openFolder.empty() ? m_databaseFolder : m_openFolder;
 }
 
 String SongDatabase::songFilesFolder() const {
@@ -526,7 +528,7 @@ void SongDatabase::listImportableFiles(const String& folder, StringArray& files,
 }
 
 bool SongDatabase::importFolder(const String& folder, const ImportProgress& progress) {
-    WaitCursor busy(theBaseApp.dialogs());
+    WaitCursor busy(dialogs());
     StringArray files;
     std::set<String> visited;
     listImportableFiles(folder, files, visited);
@@ -545,7 +547,7 @@ void SongDatabase::selectAndImportFiles() {
     request.fileMustExist = true;
     request.longNames = true;
     request.fileNameBufferLength = MultiSelectFileNameBufferLength;
-    const std::optional<StringArray> paths = theBaseApp.dialogs().openFiles(request);
+    const std::optional<StringArray> paths = dialogs().openFiles(request);
     if (!paths) return;
     bool imported = false;
     for (const String& path : *paths)
@@ -556,7 +558,7 @@ void SongDatabase::selectAndImportFiles() {
 void SongDatabase::selectAndImportFolder() {
     FolderDialogRequest request;
     request.title = FolderDialogTitle;
-    const std::optional<String> folder = theBaseApp.dialogs().chooseFolder(request);
+    const std::optional<String> folder = dialogs().chooseFolder(request);
     if (folder && importFolder(*folder)) (void)saveDatabaseFiles();
 }
 

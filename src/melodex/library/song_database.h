@@ -28,8 +28,10 @@
 // the library is closed or opened again.
 //
 // Where the library lies is settled by open(): the folder set with
-// setDatabaseFolder(), else theAppConfig's song database folder; the host
-// name set with setHostName(), else the computer's.
+// setDatabaseFolder() (theAppConfig.init() sets theSongDB's), and the host
+// name set with setHostName(), else the computer's. The dialogs it shows
+// (import choosers, the wait cursor) are the ones set with setDialogs(),
+// else a headless set.
 
 #include <functional>
 #include <memory>
@@ -47,7 +49,12 @@
 
 namespace melodex {
 
+class Dialogs;
 class Song;
+
+// The folder, in the song database folder, that holds the library's own song
+// files.
+inline constexpr const char* SongFilesFolderName = "Song Files";
 
 class SongDatabase {
 public:
@@ -63,11 +70,15 @@ public:
 
     // --- Where the library lies ------------------------------------------------
 
-    // The song database folder, and the host name that names the index;
-    // empty means theAppConfig's folder and the computer's name. Both take
-    // effect at the next open().
+    // The song database folder, and the host name that names the index
+    // (empty: the computer's name). Both take effect at the next open().
     void setDatabaseFolder(const String& folder) { m_databaseFolder = folder; }
     void setHostName(const String& hostName) { m_hostName = hostName; }
+
+    // The dialogs of the program (not owned; they must outlive their use
+    // here); null for the headless set.
+    void setDialogs(Dialogs* dialogs) { m_dialogs = dialogs; }
+    Dialogs& dialogs() const;
 
     // The folders and the index file of the library as open() settled them
     // (before that, as it would settle them now).
@@ -243,6 +254,7 @@ private:
     String m_indexPath;
     String m_databaseFolder;  // as set; empty for the configured one
     String m_hostName;        // as set; empty for the computer's
+    Dialogs* m_dialogs = nullptr;
     String m_openFolder;      // as open() settled it
     mutable Lookup m_byUuid;
     mutable Lookup m_byFilename;

@@ -24,10 +24,15 @@ SongSet& SongSet::operator=(const SongSet& other) {
         entries.push_back(std::make_unique<SongSetEntry>(*entry));
     m_entries = std::move(entries);
     m_filename = other.m_filename;
+    m_database = other.m_database;
     return *this;
 }
 
 SongSet::~SongSet() = default;
+
+SongDatabase& SongSet::database() const {
+    return m_database ? *m_database : theSongDB;
+}
 
 SongSetEntry& SongSet::add(Song* song, bool owned, bool dbflag) {
     m_entries.push_back(std::make_unique<SongSetEntry>());
@@ -131,9 +136,9 @@ void SongSet::processSongEntryNode(const XmlNode& node) {
         std::unique_ptr<Song> song = loadSongFile(resolvePath(strip(filename.text())));
         if (!song) return;
         readAttributes(node, add(song.release(), true, false));
-    } else if (const XmlNode database = node.findChild("database")) {
+    } else if (const XmlNode uuid = node.findChild("database")) {
         // The library keeps its songs; a song it no longer has drops out.
-        SongDBFileEntry* file = theSongDB.findEntryByUUID(strip(database.text()));
+        SongDBFileEntry* file = database().findEntryByUUID(strip(uuid.text()));
         if (!file) return;
         std::shared_ptr<Song> song = file->sharedSong();
         SongSetEntry& entry = add(song.get(), false, true);

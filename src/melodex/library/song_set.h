@@ -27,7 +27,8 @@
 //     <line></line>
 //     </songset>
 //
-// A song is held by its uuid in the song library (theSongDB, never owned),
+// A song is held by its uuid in the song library (the SongDatabase set with
+// setDatabase(), theSongDB when none is; never owned),
 // by a song file path (relative ones resolved against the set file's
 // folder), or embedded whole. The reader drops, silently, an entry whose
 // song cannot be found or read, and still accepts the older entry form
@@ -43,6 +44,7 @@
 namespace melodex {
 
 class Song;
+class SongDatabase;
 class XmlNode;
 
 class SongSet {
@@ -70,6 +72,11 @@ public:
 
     // Deletes every entry and forgets the file name.
     void clear();
+
+    // The library whose songs the set's library entries name (not owned);
+    // null for theSongDB.
+    void setDatabase(SongDatabase* database) { m_database = database; }
+    SongDatabase& database() const;
 
     // The path last loaded or saved.
     const String& filename() const { return m_filename; }
@@ -101,6 +108,7 @@ private:
 
     std::vector<std::unique_ptr<SongSetEntry>> m_entries;
     String m_filename;
+    SongDatabase* m_database = nullptr;
 };
 
 }  // namespace melodex

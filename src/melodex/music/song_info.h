@@ -24,7 +24,7 @@
 
 #include "melodex/foundation/text.h"
 #include "melodex/foundation/value.h"
-#include "melodex/song/song_reference.h"
+#include "melodex/music/song_reference.h"
 
 namespace melodex {
 

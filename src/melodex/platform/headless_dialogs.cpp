@@ -209,4 +209,9 @@ void HeadlessDialogs::endWaitCursor() {
     if (m_waitDepth > 0) --m_waitDepth;
 }
 
+HeadlessDialogs& sharedHeadlessDialogs() {
+    static HeadlessDialogs dialogs;
+    return dialogs;
+}
+
 }  // namespace melodex

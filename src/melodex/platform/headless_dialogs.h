@@ -38,6 +38,10 @@ private:
     int m_waitDepth = 0;
 };
 
+// One HeadlessDialogs writing to std::cerr, shared by the objects of the
+// process that have been given no dialogs of their own.
+HeadlessDialogs& sharedHeadlessDialogs();
+
 // The text of a message-box HTML fragment: "<p>" and "<br>" (any case, with
 // or without attributes or a closing slash) become line breaks, other tags
 // are dropped, runs of blanks and line ends in the source become one space

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "melodex/app/string_tables.h"
+#include "melodex/foundation/string_tables.h"
 #include "melodex/foundation/uuid.h"
 #include "melodex/song/vocabulary.h"
 

@@ -1,4 +1,4 @@
-#include "melodex/song/song_reference.h"
+#include "melodex/music/song_reference.h"
 
 #include "melodex/foundation/xml.h"
 

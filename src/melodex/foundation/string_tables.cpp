@@ -1,4 +1,4 @@
-#include "melodex/app/string_tables.h"
+#include "melodex/foundation/string_tables.h"
 
 #include "melodex/foundation/file_system.h"
 

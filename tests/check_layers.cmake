@@ -1,0 +1,37 @@
+# Fails when a file of the library includes a file of a later layer.
+# LAYERS lists the folders of src/melodex from the bottom layer up; a file
+# may include its own layer and earlier ones. The umbrella header, which
+# includes everything, is the one exception.
+get_filename_component(SOURCE_DIR "${SOURCE_DIR}" ABSOLUTE)
+set(position 0)
+foreach(layer IN LISTS LAYERS)
+    set(rank_${layer} ${position})
+    math(EXPR position "${position} + 1")
+endforeach()
+
+file(GLOB_RECURSE files RELATIVE "${SOURCE_DIR}/melodex"
+    "${SOURCE_DIR}/melodex/*.h" "${SOURCE_DIR}/melodex/*.cpp")
+set(violations)
+foreach(file IN LISTS files)
+    if(file STREQUAL "melodex.h")
+        continue()
+    endif()
+    string(REGEX MATCH "^[^/]+" layer "${file}")
+    if(NOT DEFINED rank_${layer})
+        list(APPEND violations "${file}: its folder is not a layer")
+        continue()
+    endif()
+    file(STRINGS "${SOURCE_DIR}/melodex/${file}" includes REGEX "^[ \t]*#[ \t]*include[ \t]+\"melodex/")
+    foreach(line IN LISTS includes)
+        string(REGEX REPLACE ".*\"melodex/([^/\"]+)/.*" "\\1" target "${line}")
+        if(NOT DEFINED rank_${target})
+            list(APPEND violations "${file} includes melodex/${target}, which is not a layer")
+        elseif(rank_${target} GREATER rank_${layer})
+            list(APPEND violations "${file} (${layer}) includes a later layer: ${line}")
+        endif()
+    endforeach()
+endforeach()
+if(violations)
+    list(JOIN violations "\n  " text)
+    message(FATAL_ERROR "Includes that point up the layers:\n  ${text}")
+endif()
