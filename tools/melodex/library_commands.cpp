@@ -1,5 +1,7 @@
 #include "library_commands.h"
 
+#include "command_line.h"
+
 #include <unistd.h>
 
 #include <algorithm>
@@ -22,20 +24,6 @@
 namespace melodex::cli {
 
 namespace {
-
-// The id the command-line program gives the configuration.
-constexpr int ProgramId = 0;
-
-// The --data option; empty for the configured folders.
-std::string& dataFolder() {
-    static std::string folder;
-    return folder;
-}
-
-[[noreturn]] void fail(const std::string& message) {
-    fmt::print(stderr, "melodex: {}\n", message);
-    throw CLI::RuntimeError(1);
-}
 
 String padRight(const String& text, std::size_t width) {
     const std::size_t length = codePointLength(text);
@@ -230,13 +218,10 @@ void removeSong(const std::string& uuid) {
 }  // namespace
 
 void openSongLibrary() {
-    if (!dataFolder().empty()) {
-        theSongDB.setDatabaseFolder(joinPath(absolutePath(dataFolder()), "Song Database"));
-        if (!createFolders(theSongDB.songFilesFolder()))
-            fail("cannot create the song library in " + theSongDB.databaseFolder());
-    } else if (!theAppConfig.init(ProgramId)) {
-        fail("the installation is unusable (see above); give a data folder with --data DIR");
-    }
+    theSongDB.setDatabaseFolder(
+        dataSubfolder("Song Database", [] { return theAppConfig.getSongDatabaseDir(); }));
+    if (!dataOption().empty() && !createFolders(theSongDB.songFilesFolder()))
+        fail("cannot create the song library in " + theSongDB.databaseFolder());
     theSongDB.open();
 }
 
@@ -262,10 +247,6 @@ String listedTitle(const SongDBFileEntry& file) {
 }
 
 void addLibraryCommands(CLI::App& app) {
-    app.add_option("--data", dataFolder(),
-                   "data folder: the song library is DIR/\"Song Database\" (default: the "
-                   "configured folders)");
-
     CLI::App* library =
         app.add_subcommand("library", "Import, list, search and show library songs");
     library->require_subcommand(1);

@@ -27,7 +27,7 @@ class SongDBFileEntry;
 
 namespace melodex::cli {
 
-// Adds the "library" command group and the global --data option.
+// Adds the "library" command group.
 void addLibraryCommands(CLI::App& app);
 
 // Points theSongDB at the chosen data folder and opens it; when the

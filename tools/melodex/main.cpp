@@ -3,6 +3,7 @@
 #include <fmt/core.h>
 #include <CLI/CLI.hpp>
 
+#include "command_line.h"
 #include "library_commands.h"
 #include "set_commands.h"
 #include "song_commands.h"
@@ -11,6 +12,7 @@ int main(int argc, char** argv) {
     CLI::App app{"melodex: songs, chords, song libraries and Bibles for church presentation"};
     app.set_version_flag("--version", "melodex " MELODEX_VERSION);
     app.require_subcommand(0);
+    melodex::cli::addDataOption(app);
     melodex::cli::addSongCommands(app);
     melodex::cli::addLibraryCommands(app);
     melodex::cli::addSetCommands(app);
