@@ -5,6 +5,7 @@
 // layer from the bottom (docs/design.md tells what each layer may use).
 
 #include "melodex/foundation/color_names.h"
+#include "melodex/foundation/file_lock.h"
 #include "melodex/foundation/file_system.h"
 #include "melodex/foundation/ini_file.h"
 #include "melodex/foundation/local_time.h"

@@ -209,13 +209,18 @@ std::optional<std::int64_t> fileModificationStamp(std::string_view path) {
     return std::int64_t(info.st_mtim.tv_sec) * 1000000000 + info.st_mtim.tv_nsec;
 }
 
-std::optional<std::vector<FolderItem>> listFolder(std::string_view path) {
+std::optional<std::vector<FolderItem>> listFolder(std::string_view path, Status* status) {
     std::error_code error;
+    const auto failed = [&error, status]() -> std::optional<std::vector<FolderItem>> {
+        if (status) *status = error.value() != 0 ? Status(error.value()) : Status(EIO);
+        return std::nullopt;
+    };
+    if (status) *status = StatusSuccess;
     fs::directory_iterator it(toPath(path), error);
-    if (error) return std::nullopt;
+    if (error) return failed();
     std::vector<FolderItem> items;
     for (; it != fs::directory_iterator(); it.increment(error)) {
-        if (error) break;
+        if (error) return failed();
         FolderItem item;
         item.name = fromPath(it->path().filename());
         std::error_code typeError;

@@ -72,8 +72,10 @@ struct FolderItem {
 };
 
 // The items of a folder (not "." and ".."), sorted by name so that results
-// do not depend on the file system; nullopt when it cannot be opened.
-std::optional<std::vector<FolderItem>> listFolder(std::string_view path);
+// do not depend on the file system; nullopt when it cannot be opened or
+// read, with the reason in `status` when one is given.
+std::optional<std::vector<FolderItem>> listFolder(std::string_view path,
+                                                  Status* status = nullptr);
 
 // Reads a whole file as bytes; 0 or the errno value.
 [[nodiscard]] Status readFileBytes(std::string_view path, std::string& bytes);

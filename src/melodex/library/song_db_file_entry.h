@@ -134,6 +134,7 @@ public:
     // "]", an "=") would let a song file rewrite other entries of the index,
     // so the library treats such a song as having no uuid and gives it one.
     static bool hasUsableUuid(const Song& song);
+    static bool hasUsableUuidText(const String& uuid);
 
     // True when a file read as plain text begins with a tag: markup that did
     // not parse (a damaged song file). The library never rewrites such a
@@ -147,11 +148,6 @@ private:
     // already at hand (null: ask the file system).
     bool load(const ConfigKey* key, const std::unordered_set<std::string_view>* present);
 
-    // Reads a song file of the library's folder into `song`. False when it
-    // does not read as a song, or is markup that did not parse and has no
-    // uuid. A song without a usable uuid takes `knownUuid` (a fresh one when
-    // empty) and is written back with it.
-    static bool readLibrarySong(Song& song, const String& path, const String& knownUuid);
 
     // load(path) for a song already read from that path; the entry takes it.
     bool loadFromSong(std::shared_ptr<Song> song, const String& path);
