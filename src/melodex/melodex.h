@@ -39,6 +39,7 @@
 #include "melodex/library/song_db_file_entry.h"
 #include "melodex/library/song_db_text_entry.h"
 #include "melodex/library/song_set.h"
+#include "melodex/library/song_import.h"
 #include "melodex/library/song_set_entry.h"
 #include "melodex/app/app_config.h"
 #include "melodex/app/globals.h"

@@ -233,7 +233,32 @@ std::optional<std::vector<FolderItem>> listFolder(std::string_view path, Status*
     return items;
 }
 
-Status readFileBytes(std::string_view path, std::string& bytes) {
+String canonicalPath(std::string_view path) {
+    std::error_code error;
+    const fs::path resolved = fs::canonical(toPath(path), error);
+    return error ? absolutePath(path) : fromPath(resolved);
+}
+
+void walkFolder(const String& folder, const FolderWalk& walk, std::set<String>& visited) {
+    if (!visited.insert(canonicalPath(folder)).second) return;
+    Status status = StatusSuccess;
+    const std::optional<std::vector<FolderItem>> items = listFolder(folder, &status);
+    if (!items) {
+        if (walk.unreadable) walk.unreadable(folder, status);
+        return;
+    }
+    for (const FolderItem& item : *items) {
+        if (walk.skipHidden && item.name.front() == '.') continue;
+        const String path = joinPath(folder, item.name);
+        if (item.isFolder) {
+            walkFolder(path, walk, visited);
+        } else if (item.isFile && walk.file) {
+            walk.file(path, item.name);
+        }
+    }
+}
+
+Status readFileBytes(std::string_view path, std::string& bytes, std::size_t maxBytes) {
     const String target(path);
     const int fd = ::open(target.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0) return lastError();
@@ -243,11 +268,18 @@ Status readFileBytes(std::string_view path, std::string& bytes) {
         ::close(fd);
         return status;
     }
-    std::string data;
-    if (info.st_size > 0) data.reserve(std::size_t(info.st_size));
-    char buffer[65536];
+    if (std::uintmax_t(info.st_size) > maxBytes) {
+        ::close(fd);
+        return Status(EFBIG);
+    }
+    // Read straight into the string, sized from the file; one byte more
+    // than the size lets the end be seen without a second read for most
+    // files, and files that grow (or report no size) get room as they go.
+    std::string data(std::size_t(info.st_size > 0 ? info.st_size : 0) + 1, '\0');
+    std::size_t filled = 0;
     for (;;) {
-        const ssize_t got = ::read(fd, buffer, sizeof buffer);
+        if (filled == data.size()) data.resize(data.size() * 2 + 4096);
+        const ssize_t got = ::read(fd, data.data() + filled, data.size() - filled);
         if (got < 0) {
             if (errno == EINTR) continue;
             const Status status = lastError();
@@ -255,9 +287,10 @@ Status readFileBytes(std::string_view path, std::string& bytes) {
             return status;
         }
         if (got == 0) break;
-        data.append(buffer, std::size_t(got));
+        filled += std::size_t(got);
     }
     ::close(fd);
+    data.resize(filled);
     bytes = std::move(data);
     return StatusSuccess;
 }

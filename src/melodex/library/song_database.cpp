@@ -2,9 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
 #include <string>
-#include <system_error>
 #include <unordered_set>
 
 #include "melodex/foundation/file_system.h"
@@ -15,8 +13,6 @@
 #include "melodex/song/song.h"
 
 namespace melodex {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -33,18 +29,6 @@ bool isImportable(std::string_view name) {
         if (endsWithIgnoreCase(name, extension)) return true;
     }
     return false;
-}
-
-// The path with every link resolved, so that a folder reached through links
-// is known again; absolutePath(path) when it cannot be resolved. Paths are
-// UTF-8 whatever the system's code page.
-String resolvedPath(const String& path) {
-    std::error_code error;
-    const fs::path resolved =
-        fs::canonical(fs::path(std::u8string(path.begin(), path.end())), error);
-    if (error) return absolutePath(path);
-    const std::u8string text = resolved.u8string();
-    return String(text.begin(), text.end());
 }
 
 // A song title as a file name: characters that cannot stand in a file name
@@ -688,17 +672,11 @@ SongDBFileEntry* SongDatabase::importSong(Song& song, const String& sourcePath, 
 
 void SongDatabase::listImportableFiles(const String& folder, StringArray& files,
                                        std::set<String>& visited) {
-    if (!visited.insert(resolvedPath(folder)).second) return;
-    const std::optional<std::vector<FolderItem>> items = listFolder(folder);
-    if (!items) return;
-    for (const FolderItem& item : *items) {
-        const String path = joinPath(folder, item.name);
-        if (item.isFolder) {
-            listImportableFiles(path, files, visited);
-        } else if (item.isFile && isImportable(item.name)) {
-            files.push_back(path);
-        }
-    }
+    FolderWalk walk;
+    walk.file = [&files](const String& path, const String& name) {
+        if (isImportable(name)) files.push_back(path);
+    };
+    walkFolder(folder, walk, visited);
 }
 
 bool SongDatabase::importFolder(const String& folder, const ImportProgress& progress) {

@@ -216,6 +216,19 @@ bool SongDBFileEntry::load(const ConfigKey* key,
     return true;
 }
 
+String SongDBFileEntry::listedTitle(const Song& song) {
+    String title = strip(song.info().title(), Blanks);
+    return title.empty() ? firstLineOf(song) : title;
+}
+
+String SongDBFileEntry::listedTitle() const {
+    if (!m_title.empty()) return m_title;
+    for (const SongDBTextEntry* text : m_texts) {
+        if (text->type() != SongDBTextEntry::IndexEntry) return text->text();
+    }
+    return baseNameOf(m_filename);
+}
+
 String SongDBFileEntry::firstLineOf(const Song& song) {
     // Only the first section counts, however many there are: the index has
     // always been written that way.

@@ -118,6 +118,12 @@ public:
     // paths to follow).
     bool load(const ConfigKey* key);
 
+    // The name a song is listed and found under: its title, else its first
+    // line. The entry's form uses what the index holds and falls back to
+    // the file name without extension.
+    static String listedTitle(const Song& song);
+    String listedTitle() const;
+
     // The text of the first non-blank line of the song's first section,
     // without surrounding blanks; later sections are never looked at, so a
     // song whose first section is blank has no first line.
