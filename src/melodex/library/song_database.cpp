@@ -123,8 +123,13 @@ bool SongDatabase::beginChanges() {
     m_changeDepth = 1;
     m_folderChanged = false;
     // Another program changed the library since this one last looked: take
-    // in its songs and its removals before changing anything.
-    if (m_opened && m_lock.changeCount() != m_seenChanges) catchUp();
+    // in its songs and its removals before changing anything. The lock's
+    // counter tells about programs that lock; the folder's time about those
+    // that do not (a file manager, a copy from a backup).
+    if (m_opened && (m_lock.changeCount() != m_seenChanges ||
+                     fileModificationStamp(songFilesFolder()) != m_folderStamp)) {
+        catchUp();
+    }
     m_seenChanges = m_lock.changeCount();
     return true;
 }
@@ -133,6 +138,7 @@ void SongDatabase::endChanges() {
     if (m_changeDepth == 0 || --m_changeDepth > 0) return;
     if (m_folderChanged) m_lock.markChanged();
     m_seenChanges = m_lock.changeCount();
+    m_folderStamp = fileModificationStamp(songFilesFolder());
     m_folderChanged = false;
     m_lock.release();
 }
@@ -243,6 +249,7 @@ unsigned SongDatabase::open() {
     if (items) scanSongFolder(*items, byName);
     sortTextEntries();
     if (m_changed && !m_readOnly && changes) (void)saveDatabaseFiles();
+    m_folderStamp = fileModificationStamp(songFilesFolder());
     m_opened = true;
     return 0;
 }

@@ -51,6 +51,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <ranges>
 #include <set>
 #include <unordered_map>
@@ -351,6 +352,7 @@ private:
     int m_changeDepth = 0;
     bool m_folderChanged = false;   // files of the folder changed under this lock
     std::uint64_t m_seenChanges = 0;  // the lock's change count when this library last looked
+    std::optional<std::int64_t> m_folderStamp;  // the song files folder's time then
     std::chrono::milliseconds m_lockTimeout{30000};
     FileLock::WaitNotice m_lockNotice;
     String m_openFolder;      // as open() settled it
