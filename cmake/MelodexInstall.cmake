@@ -33,15 +33,23 @@ install(FILES
 file(RELATIVE_PATH MELODEX_PC_TO_PREFIX
     /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 string(REGEX REPLACE "/$" "" MELODEX_PC_TO_PREFIX "${MELODEX_PC_TO_PREFIX}")
+# A shared library brings its private dependencies along; only a static one
+# needs them named, and naming them would hand their flags to every
+# consumer (libutf8proc's carry -DUTF8PROC_EXPORTS).
+if(BUILD_SHARED_LIBS)
+    set(MELODEX_PC_PRIVATE "")
+else()
+    set(MELODEX_PC_PRIVATE "Requires.private: pugixml libutf8proc")
+endif()
 configure_file(${PROJECT_SOURCE_DIR}/cmake/melodex.pc.in ${PROJECT_BINARY_DIR}/melodex.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/melodex.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
+# Data, not programs: the library's string table, and the product file
+# whose presence tells the programs of the family they are installed.
 install(FILES ${PROJECT_SOURCE_DIR}/resources/Melodex.ini
+    ${PROJECT_BINARY_DIR}/resources/product.bcf
     DESTINATION ${CMAKE_INSTALL_DATADIR}/melodex)
 
 if(MELODEX_BUILD_TOOLS)
     install(TARGETS melodex_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-    # A program of the family counts as installed when its product file lies
-    # beside it (or in the folder above).
-    install(FILES ${PROJECT_SOURCE_DIR}/resources/product.bcf DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()

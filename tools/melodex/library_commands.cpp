@@ -26,6 +26,8 @@ namespace {
 
 // The widest listing that fits a terminal of 80 columns without wrapping.
 constexpr std::size_t ListingWidth = 79;
+// How much of a uuid the listing shows; show and remove take it.
+constexpr std::size_t ShortIdLength = 8;
 
 String padRight(const String& text, std::size_t width) {
     const std::size_t length = codePointLength(text);
@@ -44,8 +46,12 @@ void printJson(const nlohmann::json& json) {
 }
 
 nlohmann::json songJson(const SongDBFileEntry& file) {
-    return {{"uuid", file.uuid()},      {"title", file.listedTitle()}, {"key", file.key()},
-            {"author", file.author()},  {"tempo", file.tempo()},       {"file", file.filename()},
+    return {{"uuid", file.uuid()},
+            {"title", file.listedTitle()},
+            {"key", file.key()},
+            {"author", file.author()},
+            {"tempo", file.tempo()},
+            {"file", file.filename()},
             {"categories", file.categories()}};
 }
 
@@ -56,8 +62,13 @@ struct ImportOptions {
     bool verbose = false;
 };
 
+// A song read from standard input has no path.
+String shownPath(const SongImport::Skipped& skipped) {
+    return skipped.path.empty() ? String("standard input") : skipped.path;
+}
+
 void printSkipped(const SongImport::Skipped& skipped) {
-    fmt::print(stderr, "  {}: {}\n", skipped.path, skipped.describe());
+    fmt::print(stderr, "  {}: {}\n", shownPath(skipped), skipped.describe());
 }
 
 void importSongs(const ImportOptions& options) {
@@ -69,36 +80,45 @@ void importSongs(const ImportOptions& options) {
         import.setProgress([](int number, int total, const String& path) {
             fmt::print(stderr, "\rImporting {}/{}: {}\x1b[K", number, total,
                        fitTo(fileNameOf(path), 50));
-        });
-    }
-    StringArray paths(options.paths.begin(), options.paths.end());
-    const SongImport::Report report = import.run(paths);
-    if (terminal && report.found > 0) fmt::print(stderr, "\r\x1b[K");
-
-    for (const SongImport::Skipped& failed : report.failed)
-        fmt::print(stderr, "melodex: {}: {}\n", failed.path, failed.describe());
-    if (report.indexError) fmt::print(stderr, "melodex: {}\n", report.indexError.message());
-    if (options.verbose) {
-        if (!report.already.empty()) fmt::print(stderr, "Already in the library:\n");
-        for (const SongImport::Skipped& skipped : report.already)
-            printSkipped(skipped);
-        if (!report.skipped.empty()) fmt::print(stderr, "Not song files:\n");
-        for (const SongImport::Skipped& skipped : report.skipped)
-            printSkipped(skipped);
-    }
-
-    const std::size_t imported = report.imported.size();
-    String summary = fmt::format("Imported {} song{}; {} already in the library", imported,
-                                 imported == 1 ? "" : "s", report.already.size());
-    if (!report.skipped.empty()) {
-        summary += fmt::format("; {} other file{} skipped{}", report.skipped.size(),
-                               report.skipped.size() == 1 ? "" : "s",
-                               options.verbose ? "" : " (--verbose lists them)");
-    }
-    if (!report.failed.empty()) summary += fmt::format("; {} failed", report.failed.size());
-    fmt::print("{}\n", summary);
-    if (report.hasFailures()) throw CLI::RuntimeError(ExitFailed);
+    });
 }
+StringArray paths;
+for (const std::string& path : options.paths) {
+    // "-": one song from standard input, plain text too; with no file
+    // name to go by, it is listed under its first line.
+    if (isStandardStream(path)) {
+        import.addText({}, readInput(path));
+    } else {
+        paths.push_back(path);
+    }
+}
+const SongImport::Report report = import.run(paths);
+if (terminal && report.found > 0) fmt::print(stderr, "\r\x1b[K");
+
+for (const SongImport::Skipped& failed : report.failed)
+    fmt::print(stderr, "melodex: {}: {}\n", shownPath(failed), failed.describe());
+if (report.indexError) fmt::print(stderr, "melodex: {}\n", report.indexError.message());
+if (options.verbose) {
+    if (!report.already.empty()) fmt::print(stderr, "Already in the library:\n");
+    for (const SongImport::Skipped& skipped : report.already)
+        printSkipped(skipped);
+    if (!report.skipped.empty()) fmt::print(stderr, "Not song files:\n");
+    for (const SongImport::Skipped& skipped : report.skipped)
+        printSkipped(skipped);
+}
+
+const std::size_t imported = report.imported.size();
+String summary = fmt::format("Imported {} song{}; {} already in the library", imported,
+                             imported == 1 ? "" : "s", report.already.size());
+if (!report.skipped.empty()) {
+    summary += fmt::format("; {} other file{} skipped{}", report.skipped.size(),
+                           report.skipped.size() == 1 ? "" : "s",
+                           options.verbose ? "" : " (--verbose lists them)");
+}
+if (!report.failed.empty()) summary += fmt::format("; {} failed", report.failed.size());
+fmt::print("{}\n", summary);
+if (report.hasFailures()) throw CLI::RuntimeError(ExitFailed);
+}  // namespace
 
 // --- list, search, show, remove ------------------------------------------------------
 
@@ -121,8 +141,10 @@ void listSongs(const ListOptions& options) {
         return;
     }
 
-    // Title, key and author share what the uuid (36 characters) leaves of
-    // the width; the title gets the most.
+    // Songs are shown by the start of their uuid, which show and remove take
+    // as well as the whole: whole uuids would leave too little of 80
+    // columns for titles. Title, key and author share the rest; the title
+    // gets the most.
     std::size_t keyWidth = 3, authorWidth = 6, titleWidth = 5;
     for (SongDBFileEntry* file : files) {
         keyWidth = std::max(keyWidth, codePointLength(file->key()));
@@ -130,19 +152,20 @@ void listSongs(const ListOptions& options) {
         titleWidth = std::max(titleWidth, codePointLength(file->listedTitle()));
     }
     keyWidth = std::min<std::size_t>(keyWidth, 5);
-    const std::size_t room = ListingWidth - 36 - keyWidth - 6;
-    authorWidth = std::min(authorWidth, room / 3);
+    const std::size_t room = ListingWidth - ShortIdLength - keyWidth - 6;
+    authorWidth = std::min(authorWidth, std::max(room / 3, room - std::min(titleWidth, room)));
     titleWidth = std::min(titleWidth, room - authorWidth);
     auto print = [&](const String& title, const String& key, const String& author,
-                     const String& uuid) {
+                     const String& id) {
         const String line = padRight(fitTo(title, titleWidth), titleWidth) + "  " +
                             padRight(fitTo(key, keyWidth), keyWidth) + "  " +
-                            padRight(fitTo(author, authorWidth), authorWidth) + "  " + uuid;
+                            padRight(fitTo(author, authorWidth), authorWidth) + "  " + id;
         fmt::print("{}\n", strip(line, " ", StripSide::End));
     };
-    print("TITLE", "KEY", "AUTHOR", "UUID");
+    print("TITLE", "KEY", "AUTHOR", "ID");
     for (SongDBFileEntry* file : files)
-        print(file->listedTitle(), file->key(), file->author(), file->uuid());
+        print(file->listedTitle(), file->key(), file->author(),
+              file->uuid().substr(0, ShortIdLength));
     fmt::print("{} song{} in {}\n", files.size(), files.size() == 1 ? "" : "s",
                theSongDB.songFilesFolder());
 }
@@ -165,22 +188,35 @@ void searchSongs(const std::string& text) {
     }
 }
 
-// The entry with that uuid, else the one listed under that title (ignoring
-// case); fails when there is none or the title is not unique.
+// The entry whose uuid starts with `id` (ignoring case), when exactly one
+// does; the listing shows uuids that far.
+SongDBFileEntry* findByUuidStart(const String& id) {
+    if (SongDBFileEntry* file = theSongDB.findEntryByUUID(id)) return file;
+    if (codePointLength(id) < 4) return nullptr;
+    SongDBFileEntry* found = nullptr;
+    for (SongDBFileEntry* file : theSongDB.files()) {
+        if (!startsWithIgnoreCase(file->uuid(), id)) continue;
+        if (found) fail("several songs have a uuid that starts with " + id + "; give more of it");
+        found = file;
+    }
+    return found;
+}
+
+// The entry with that uuid (or the start of it, as listed), else the one
+// listed under that title (ignoring case); fails when there is none or the
+// title is not unique.
 SongDBFileEntry* findSong(const std::string& idOrTitle) {
-    if (SongDBFileEntry* file = theSongDB.findEntryByUUID(idOrTitle)) return file;
     std::vector<SongDBFileEntry*> matches;
     for (SongDBFileEntry* file : theSongDB.files()) {
         if (equalsIgnoreCase(file->listedTitle(), idOrTitle)) matches.push_back(file);
     }
+    if (matches.size() == 1) return matches.front();
+    if (SongDBFileEntry* file = findByUuidStart(idOrTitle)) return file;
     if (matches.empty()) fail("no song in the library has the uuid or title \"" + idOrTitle + "\"");
-    if (matches.size() > 1) {
-        std::string message = "several songs are titled \"" + idOrTitle + "\"; give the uuid:";
-        for (SongDBFileEntry* file : matches)
-            message += "\n  " + file->uuid() + "  " + file->filename();
-        fail(message);
-    }
-    return matches.front();
+    std::string message = "several songs are titled \"" + idOrTitle + "\"; give the uuid:";
+    for (SongDBFileEntry* file : matches)
+        message += "\n  " + file->uuid() + "  " + file->filename();
+    fail(message);
 }
 
 struct ShowOptions {
@@ -196,7 +232,7 @@ void showSong(const ShowOptions& options) {
 
 void removeSong(const std::string& uuid) {
     OpenLibrary library(LibraryAccess::Write);
-    SongDBFileEntry* file = theSongDB.findEntryByUUID(uuid);
+    SongDBFileEntry* file = findByUuidStart(uuid);
     if (!file) fail("no song in the library has the uuid " + uuid);
     const String title = file->listedTitle();
     const String path = file->path();
@@ -205,7 +241,7 @@ void removeSong(const std::string& uuid) {
     fmt::print("Removed \"{}\" ({})\n", title, path);
 }
 
-}  // namespace
+}  // namespace melodex::cli
 
 void openSongLibrary(LibraryAccess access) {
     const String folder =
@@ -218,8 +254,9 @@ void openSongLibrary(LibraryAccess access) {
     theSongDB.setDatabaseFolder(folder);
     theSongDB.setReadOnly(readOnly);
     theSongDB.setLockWaitNotice([](const String& lockPath) {
-        fmt::print(stderr, "melodex: waiting for another program to finish changing the library "
-                           "({})\n",
+        fmt::print(stderr,
+                   "melodex: waiting for another program to finish changing the library "
+                   "({})\n",
                    lockPath);
     });
     theSongDB.open();
@@ -261,14 +298,16 @@ void addLibraryCommands(CLI::App& app) {
         ".txt extension for plain-text songs, which take their file name as title. A song "
         "whose uuid is in the library is skipped, and so is one with the title and lyrics of "
         "a library song, so importing the same files again adds nothing.");
-    importCommand->add_option("PATH", import->paths, "song files or folders")->required();
+    importCommand
+        ->add_option("PATH", import->paths, "song files or folders; - for a song on standard input")
+        ->required();
     importCommand->add_flag("-v,--verbose", import->verbose,
                             "list every file that was skipped, and why");
     importCommand->callback([import] { importSongs(*import); });
 
     auto list = std::make_shared<ListOptions>();
-    CLI::App* listCommand =
-        library->add_subcommand("list", "List every song: title, key, author and uuid");
+    CLI::App* listCommand = library->add_subcommand(
+        "list", "List every song: title, key, author and the start of its uuid");
     listCommand->add_flag("--json", list->json, "print the songs as JSON, for scripts");
     listCommand->callback([list] { listSongs(*list); });
 
@@ -283,7 +322,10 @@ void addLibraryCommands(CLI::App& app) {
     auto show = std::make_shared<ShowOptions>();
     CLI::App* showCommand =
         library->add_subcommand("show", "Print a library song with its chords above the lyrics");
-    showCommand->add_option("ID-OR-TITLE", show->song, "the song's uuid, or its title")->required();
+    showCommand
+        ->add_option("ID-OR-TITLE", show->song,
+                     "the song's title, or its uuid or the start of it as listed")
+        ->required();
     showCommand->add_option("-t,--transpose", show->transpose, "semitones to move chords and key")
         ->check(CLI::Range(-12, 12));
     showCommand->callback([show] { showSong(*show); });
@@ -291,7 +333,7 @@ void addLibraryCommands(CLI::App& app) {
     auto remove = std::make_shared<std::string>();
     CLI::App* removeCommand = library->add_subcommand(
         "remove", "Take a song out of the library and delete the library's copy of it");
-    removeCommand->add_option("ID", *remove, "the song's uuid")->required();
+    removeCommand->add_option("ID", *remove, "the song's uuid, or its start as listed")->required();
     removeCommand->callback([remove] { removeSong(*remove); });
 }
 

@@ -12,6 +12,10 @@ int main(int argc, char** argv) {
     CLI::App app{"melodex: songs, chords, song libraries and Bibles for church presentation"};
     app.set_version_flag("--version", "melodex " MELODEX_VERSION);
     app.require_subcommand(0);
+    app.footer(
+        "Exit status: 0 done; 1 failed (the reason is on standard error, naming the file and the "
+        "system's reason); 2 a command line that cannot be taken. Wherever a command names a "
+        "file, \"-\" means standard input or standard output.");
     melodex::cli::addDataOption(app);
     melodex::cli::addSongCommands(app);
     melodex::cli::addLibraryCommands(app);
@@ -23,8 +27,8 @@ int main(int argc, char** argv) {
         // Help and version end with 0 and a failed command with its own code
         // (it has said why already); any other parse error is a usage error.
         const int code = app.exit(error);
-        if (code == 0 || error.get_name() == "RuntimeError") return code;
-        return 2;
+        if (code == melodex::cli::ExitDone || error.get_name() == "RuntimeError") return code;
+        return melodex::cli::ExitUsage;
     }
     if (argc == 1) fmt::print("{}", app.help());
     return 0;

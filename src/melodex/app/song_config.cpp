@@ -71,8 +71,11 @@ void SongConfig::configure() {
     for (const ProductDefault& value : ProductDefaults)
         setProductValue(value.name, value.value);
 
+    // Beside the program, in the folder above it (the family's own layout),
+    // or among the installed data of its prefix.
     const String programFolder = this->programFolder();
-    for (const String& folder : {programFolder, folderOf(programFolder)}) {
+    for (const String& folder : {programFolder, folderOf(programFolder),
+                                 joinPath(folderOf(programFolder), "share/melodex")}) {
         const String candidate = joinPath(folder, ProductFileName);
         if (!folder.empty() && fileExists(candidate) && loadProductFile(candidate)) {
             m_configured = true;

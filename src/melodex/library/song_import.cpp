@@ -106,18 +106,25 @@ StringArray SongImport::findFiles(const StringArray& paths, std::vector<Skipped>
     return files;
 }
 
+void SongImport::addText(const String& name, std::string bytes) {
+    m_texts.push_back({name, std::move(bytes)});
+}
+
 Status SongImport::readSongFile(const String& path, Song& song) {
     std::string bytes;
     const Status read = readFileBytes(path, bytes, MaxSongFileBytes);
     if (read == EFBIG) return StatusFailed;
     if (read != StatusSuccess) return read;
+    return readSongBytes(path, bytes, endsWithIgnoreCase(path, ".txt"), song);
+}
 
+Status SongImport::readSongBytes(const String& path, std::string_view bytes, bool plainText,
+                                 Song& song) {
     song.clear();
-    const bool text = endsWithIgnoreCase(path, ".txt");
     bool loaded = false;
     if (mayBeXml(bytes) && song.loadFromXmlString(bytes) == StatusSuccess) {
         loaded = true;
-    } else if (text) {
+    } else if (plainText) {
         // A text song may begin with a tag of its own (the uuid line that
         // Melodex writes), which is not XML.
         song.clear();
@@ -127,15 +134,18 @@ Status SongImport::readSongFile(const String& path, Song& song) {
     if (!loaded || !SongDBFileEntry::isSong(song)) return StatusFailed;
     // A plain-text song has no title: the name people gave the file is the
     // best one it has, and the one they will look it up by.
-    if (song.loadedFileType() == SongFileType::Text && strip(song.info().title()).empty())
+    if (song.loadedFileType() == SongFileType::Text && !path.empty() &&
+        strip(song.info().title()).empty()) {
         song.info().setTitle(baseNameOf(path));
+    }
     return StatusSuccess;
 }
 
 SongImport::Report SongImport::run(const StringArray& paths) {
     Report report;
     const StringArray files = findFiles(paths, report.failed);
-    report.found = int(files.size());
+    const std::size_t total = files.size() + m_texts.size();
+    report.found = int(total);
 
     SongDatabase::Changes changes(m_database);
     if (!changes) {
@@ -146,11 +156,13 @@ SongImport::Report SongImport::run(const StringArray& paths) {
     // songs, so that a song another program just imported counts as there.
     TitleIndex titles(m_database);
 
-    for (std::size_t i = 0; i < files.size(); ++i) {
-        const String& path = files[i];
-        if (m_progress) m_progress(int(i + 1), int(files.size()), path);
+    for (std::size_t i = 0; i < total; ++i) {
+        const bool file = i < files.size();
+        const String& path = file ? files[i] : m_texts[i - files.size()].name;
+        if (m_progress) m_progress(int(i + 1), int(total), path);
         Song song;
-        const Status read = readSongFile(path, song);
+        const Status read = file ? readSongFile(path, song)
+                                 : readSongBytes(path, m_texts[i - files.size()].bytes, true, song);
         if (read == StatusFailed) {
             report.skipped.push_back({path, Reason::NotASong, StatusSuccess, {}});
             continue;
@@ -159,8 +171,9 @@ SongImport::Report SongImport::run(const StringArray& paths) {
             report.failed.push_back({path, Reason::Unreadable, read, {}});
             continue;
         }
-        const SongDBFileEntry* known =
-            SongDBFileEntry::hasUsableUuid(song) ? m_database.findEntryByUUID(song.uuid()) : nullptr;
+        const SongDBFileEntry* known = SongDBFileEntry::hasUsableUuid(song)
+                                           ? m_database.findEntryByUUID(song.uuid())
+                                           : nullptr;
         if (!known) known = titles.find(song);
         if (known) {
             report.already.push_back({path, Reason::Duplicate, StatusSuccess, known->filename()});
@@ -169,14 +182,15 @@ SongImport::Report SongImport::run(const StringArray& paths) {
         SongDBFileEntry* entry = m_database.importSong(song, path, false, true);
         if (!entry) {
             const FileError& error = m_database.lastError();
-            report.failed.push_back({path, Reason::WriteFailed,
-                                     error ? error.status : Status(StatusFailed), {}});
+            report.failed.push_back(
+                {path, Reason::WriteFailed, error ? error.status : Status(StatusFailed), {}});
             continue;
         }
         titles.add(entry);
         report.imported.push_back(entry);
     }
 
+    m_texts.clear();
     if (!report.imported.empty() || m_database.changed()) {
         m_database.sortTextEntries();
         (void)m_database.flush();

@@ -29,6 +29,8 @@
 //   it, then sees these songs), and the index is saved at the end.
 
 #include <functional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "melodex/foundation/status.h"
@@ -84,6 +86,12 @@ public:
 
     void setProgress(Progress progress) { m_progress = std::move(progress); }
 
+    // A song that is not in a file (standard input, a download), imported by
+    // the next run() as if it were a file of that name; plain text counts as
+    // a song whatever the name, and takes the name (without extension) as
+    // title unless the name is empty.
+    void addText(const String& name, std::string bytes);
+
     // Imports every song file among `paths` (files, and folders to any
     // depth) and saves the index. The library's lock is held throughout;
     // when it cannot be had, nothing is imported and the report's
@@ -99,9 +107,20 @@ public:
     // that cannot be read. A plain-text song takes its file name as title.
     [[nodiscard]] static Status readSongFile(const String& path, Song& song);
 
+    // readSongFile() for the bytes of a file of that name; `plainText` tells
+    // whether text that is not XML counts as a song.
+    [[nodiscard]] static Status readSongBytes(const String& name, std::string_view bytes,
+                                              bool plainText, Song& song);
+
 private:
+    struct Text {
+        String name;
+        std::string bytes;
+    };
+
     SongDatabase& m_database;
     Progress m_progress;
+    std::vector<Text> m_texts;
 };
 
 }  // namespace melodex
