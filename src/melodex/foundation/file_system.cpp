@@ -114,6 +114,31 @@ Status linkAsNew(const String& temporary, const String& target) {
     return lastError();
 }
 
+// A new file written without a name and given one only when whole (an
+// O_TMPFILE file linked into place): no temporary name to make up, nothing
+// to clean away after a crash. EOPNOTSUPP when the file system cannot.
+Status createUnnamedAndLink(const String& target, std::string_view bytes) {
+    String folder = folderOf(target);
+    if (folder.empty()) folder = ".";
+    const int fd = ::open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);
+    if (fd < 0) {
+        // Older kernels and some file systems answer EISDIR or EOPNOTSUPP.
+        if (errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL) return Status(EOPNOTSUPP);
+        return lastError();
+    }
+    Status status = StatusSuccess;
+    if (!writeAll(fd, bytes)) {
+        status = lastError();
+    } else {
+        const String self = "/proc/self/fd/" + std::to_string(fd);
+        if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, target.c_str(), AT_SYMLINK_FOLLOW) != 0)
+            status = errno == ENOENT && !folderExists("/proc/self") ? Status(EOPNOTSUPP)
+                                                                     : lastError();
+    }
+    ::close(fd);
+    return status;
+}
+
 }  // namespace
 
 String joinPath(std::string_view folder, std::string_view name) {
@@ -303,6 +328,11 @@ Status writeFileAtomically(std::string_view path, std::string_view bytes, WriteM
     if (mode == WriteMode::Replace) {
         const Status found = resolveWriteTarget(target, existing, replacing);
         if (found != StatusSuccess) return found;
+    }
+
+    if (mode == WriteMode::CreateNew) {
+        const Status created = createUnnamedAndLink(target, bytes);
+        if (created != EOPNOTSUPP) return created;
     }
 
     // The temporary file lies beside the target so that the rename stays on

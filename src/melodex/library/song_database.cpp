@@ -667,12 +667,13 @@ SongDBFileEntry* SongDatabase::importSong(Song& song, const String& sourcePath, 
     }
     noteFolderChanged();
 
-    // The entry takes the song as a read of the file would give it: parsed
-    // from the very bytes written, not read from disk a second time.
-    auto written = std::make_shared<Song>();
-    (void)written->loadFromText(text);
-    written->filename(target);
-    SongDBFileEntry* entry = addFileEntry(target, std::move(written));
+    // The entry is filled from the song in hand (what was written reads back
+    // as it: the writer escapes all that a reader would change) and does not
+    // keep it: song() reads the library's copy when it is wanted. An import
+    // of thousands of songs then holds none of them, and never parses what
+    // it has just written.
+    SongDBFileEntry* entry = addFileEntry(target, std::shared_ptr<Song>(std::shared_ptr<Song>(), &song));
+    if (entry) entry->m_song.reset();
     if (entry && save) (void)saveDatabaseFiles();
     return entry;
 }
