@@ -31,6 +31,8 @@
 #include "melodex/song/song_line.h"
 #include "melodex/song/song_section.h"
 #include "melodex/song/vocabulary.h"
+#include "melodex/display/gfont.h"
+#include "melodex/display/song_text_style.h"
 #include "melodex/library/song_book.h"
 #include "melodex/library/song_book_entry.h"
 #include "melodex/library/song_book_file.h"
