@@ -32,6 +32,8 @@
 #include "melodex/song/song_section.h"
 #include "melodex/song/vocabulary.h"
 #include "melodex/display/gfont.h"
+#include "melodex/display/song_display_profile.h"
+#include "melodex/display/song_display_settings.h"
 #include "melodex/display/song_text_style.h"
 #include "melodex/library/song_book.h"
 #include "melodex/library/song_book_entry.h"
