@@ -31,6 +31,7 @@
 #include "melodex/song/song_line.h"
 #include "melodex/song/song_section.h"
 #include "melodex/song/vocabulary.h"
+#include "melodex/display/chord_display.h"
 #include "melodex/display/gfont.h"
 #include "melodex/display/song_display_profile.h"
 #include "melodex/display/song_display_settings.h"
