@@ -163,6 +163,10 @@ TEST(ChordDisplayTest, TakesTheProfilesDefaultsForTheKeyShown) {
     EXPECT_EQ(up.transpose(), 3);
     EXPECT_EQ(up.key(), 11);
     EXPECT_EQ(up(SongChord("Ab")), "B");
+    moved.transpose(2147483647);  // as a file may say: no overflow
+    EXPECT_EQ(ChordDisplay(moved, 0, 1).transpose(), 8);
+    moved.transpose(-1);
+    EXPECT_EQ(ChordDisplay(moved, 0, 0).transpose(), 11);
 
     SongInfo info;
     info.setKey("Ab");

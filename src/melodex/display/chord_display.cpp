@@ -55,7 +55,9 @@ String SongChord::getDisplayString(const SongDisplayProfile* profile, int transp
 
 ChordDisplay::ChordDisplay(SongDisplayProfile& profile, int songKey, int transpose,
                            std::optional<int> capoFret)
-    : m_profile(&profile), m_transpose(transpose + profile.transpose()) {
+    // Taken modulo 12 at once: the shifts add up unchecked otherwise, and a
+    // profile file may hold any transposition.
+    : m_profile(&profile), m_transpose(wrapNote((long long)transpose + profile.transpose())) {
     const int shownKey = wrapNote((long long)songKey + m_transpose);
     m_localTranspose = profile.defaultLocalTranspose(shownKey);
     if (capoFret)

@@ -54,7 +54,8 @@ public:
     // The key the chords are spelled in (0 to 11): the song's key after
     // transposition and local transposition.
     int key() const { return m_key; }
-    // The semitones chords move: the caller's and the profile's.
+    // The semitones chords move, the caller's and the profile's together,
+    // taken modulo 12 (0 to 11).
     int transpose() const { return m_transpose; }
     int localTranspose() const { return m_localTranspose; }
     int capoFret() const { return m_capoFret; }
