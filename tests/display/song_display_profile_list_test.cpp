@@ -123,16 +123,6 @@ TEST_F(ProfileListTest, LookupsTakeATypeMaskAndExactNames) {
     EXPECT_EQ(List::getProfileCount(), 17);
 }
 
-TEST_F(ProfileListTest, AFolderTakesEffectAtTheNextLoad) {
-    List::loadProfileList();
-    List::setProfileFolder(joinPath(folder(), "sub"));
-    ASSERT_TRUE(createFolders(joinPath(folder(), "sub")));
-    // The list still holds the first folder's profiles until it is loaded again.
-    EXPECT_EQ(List::getProfileByName("Words", 0)->filename(), joinPath(folder(), "Words.sdp"));
-    List::loadProfileList();
-    EXPECT_EQ(List::getProfileByName("Words", 0)->filename(), joinPath(folder(), "sub/Words.sdp"));
-}
-
 TEST_F(ProfileListTest, ReadsSdpFilesOfAnyCaseAndSkipsTheRest) {
     SongDisplayProfile profile;
     profile.create("Upper", "Upper", 1, 0x1, 18, 0, false, false, false);
