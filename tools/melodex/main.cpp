@@ -5,6 +5,7 @@
 
 #include "command_line.h"
 #include "library_commands.h"
+#include "profile_commands.h"
 #include "set_commands.h"
 #include "song_commands.h"
 
@@ -20,6 +21,7 @@ int main(int argc, char** argv) {
     melodex::cli::addSongCommands(app);
     melodex::cli::addLibraryCommands(app);
     melodex::cli::addSetCommands(app);
+    melodex::cli::addProfileCommands(app);
 
     try {
         app.parse(argc, argv);

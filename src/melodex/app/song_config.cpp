@@ -3,6 +3,7 @@
 #include <array>
 
 #include "melodex/app/melodex.h"
+#include "melodex/display/song_display_profile.h"
 #include "melodex/foundation/file_system.h"
 #include "melodex/library/song_database.h"
 #include "melodex/platform/dialogs.h"
@@ -121,8 +122,12 @@ bool SongConfig::init(int programId) {
     m_logFilesDir = settleFolder(settings, "LogFilesDir", joinPath(m_userDataDir, "Log Files"));
 
     createFolders(getSongDatabaseFilesDir());
-    // The program's configuration points the shared library at its folder.
-    if (this == &theAppConfig) theSongDB.setDatabaseFolder(m_songDatabaseDir);
+    // The program's configuration points the shared library and the profile
+    // list at their folders.
+    if (this == &theAppConfig) {
+        theSongDB.setDatabaseFolder(m_songDatabaseDir);
+        SongDisplayProfile::setProfileFolder(m_displayProfilesDir);
+    }
     return true;
 }
 
