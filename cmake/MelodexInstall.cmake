@@ -9,6 +9,15 @@ install(TARGETS melodex
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
     FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
+if(TARGET melodex_render)
+    install(TARGETS melodex_render
+        EXPORT MelodexTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+        FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+endif()
+
 set(MELODEX_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/Melodex)
 
 install(EXPORT MelodexTargets
@@ -35,6 +44,12 @@ file(RELATIVE_PATH MELODEX_PC_TO_PREFIX
 string(REGEX REPLACE "/$" "" MELODEX_PC_TO_PREFIX "${MELODEX_PC_TO_PREFIX}")
 configure_file(${PROJECT_SOURCE_DIR}/cmake/melodex.pc.in ${PROJECT_BINARY_DIR}/melodex.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/melodex.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+if(TARGET melodex_render)
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/melodex-render.pc.in
+        ${PROJECT_BINARY_DIR}/melodex-render.pc @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/melodex-render.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endif()
 
 install(FILES ${PROJECT_SOURCE_DIR}/resources/Melodex.ini
     DESTINATION ${CMAKE_INSTALL_DATADIR}/melodex)

@@ -5,6 +5,7 @@
 
 #include "command_line.h"
 #include "library_commands.h"
+#include "print_commands.h"
 #include "set_commands.h"
 #include "song_commands.h"
 
@@ -16,6 +17,7 @@ int main(int argc, char** argv) {
     melodex::cli::addSongCommands(app);
     melodex::cli::addLibraryCommands(app);
     melodex::cli::addSetCommands(app);
+    melodex::cli::addPrintCommands(app);  // after the commands it adds options to
 
     try {
         app.parse(argc, argv);
