@@ -1,5 +1,6 @@
 #include "melodex/render/cairo_draw_context.h"
 
+#include <climits>
 #include <vector>
 
 #include <cairo.h>
@@ -72,7 +73,10 @@ struct CairoDrawContext::Impl {
         applyFont();
         const String valid = validUtf8(text);
         pango_layout_set_single_paragraph_mode(layout, singleLine);
-        pango_layout_set_width(layout, width < 0 ? -1 : int(width * PANGO_SCALE));
+        // Pango takes the width in its units as an int; wider than that is
+        // as good as no limit.
+        const bool limited = width >= 0 && width * PANGO_SCALE < double(INT_MAX);
+        pango_layout_set_width(layout, limited ? int(width * PANGO_SCALE) : -1);
         pango_layout_set_text(layout, valid.data(), int(valid.size()));
         unknownGlyphs += pango_layout_get_unknown_glyphs_count(layout);
     }
