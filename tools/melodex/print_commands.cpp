@@ -80,6 +80,7 @@ void addPrintCommands(CLI::App& app) {
     list->add_option("--pdf", *path,
                      "print the list as a table to this PDF file (\"-\": standard output) "
                      "instead of listing it")
+        ->type_name("OUT.pdf")
         ->each([list, path](const std::string&) {
             list->callback([path] { printLibraryList(*path); });
         });
