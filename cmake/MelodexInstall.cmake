@@ -9,6 +9,15 @@ install(TARGETS melodex
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
     FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
+if(TARGET melodex_render)
+    install(TARGETS melodex_render
+        EXPORT MelodexTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+        FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+endif()
+
 set(MELODEX_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/Melodex)
 
 install(EXPORT MelodexTargets
@@ -43,6 +52,12 @@ else()
 endif()
 configure_file(${PROJECT_SOURCE_DIR}/cmake/melodex.pc.in ${PROJECT_BINARY_DIR}/melodex.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/melodex.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+if(TARGET melodex_render)
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/melodex-render.pc.in
+        ${PROJECT_BINARY_DIR}/melodex-render.pc @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/melodex-render.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endif()
 
 # Data, not programs: the library's string table, and the product file
 # whose presence tells the programs of the family they are installed.

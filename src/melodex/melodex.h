@@ -50,3 +50,22 @@
 #include "melodex/app/globals.h"
 #include "melodex/app/melodex.h"
 #include "melodex/app/song_config.h"
+#include "melodex/ui/document.h"
+#include "melodex/ui/draw_context.h"
+#include "melodex/ui/edit_chord_dialog.h"
+#include "melodex/ui/fixed_advance_draw_context.h"
+#include "melodex/ui/geometry.h"
+#include "melodex/ui/song_doc.h"
+#include "melodex/ui/table.h"
+#include "melodex/ui/table_cell.h"
+#include "melodex/ui/table_object.h"
+#include "melodex/ui/table_printer.h"
+#include "melodex/ui/table_row.h"
+// The drawing backend is a library of its own (melodex::render), installed
+// when it was built.
+#if __has_include("melodex/render/cairo_draw_context.h")
+#include "melodex/render/cairo_draw_context.h"
+#include "melodex/render/pdf_document.h"
+#include "melodex/render/png_image.h"
+#include "melodex/render/table_pdf.h"
+#endif

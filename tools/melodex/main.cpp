@@ -5,6 +5,7 @@
 
 #include "command_line.h"
 #include "library_commands.h"
+#include "print_commands.h"
 #include "profile_commands.h"
 #include "set_commands.h"
 #include "song_commands.h"
@@ -22,6 +23,7 @@ int main(int argc, char** argv) {
     melodex::cli::addLibraryCommands(app);
     melodex::cli::addSetCommands(app);
     melodex::cli::addProfileCommands(app);
+    melodex::cli::addPrintCommands(app);  // after the commands it adds options to
 
     try {
         app.parse(argc, argv);

@@ -156,8 +156,7 @@ String Melodex::saveSongFile(Song* song, const String& initialFolder) {
     // The filter decides, whatever the user typed: "Hymn.song" saved with
     // the text filter becomes "Hymn.txt".
     const int fileType = chosen->filterIndex == 0 ? 1 : chosen->filterIndex;
-    const String path = joinPath(folderOf(chosen->path),
-                                 baseNameOf(chosen->path) + Song::getFileExtension(fileType));
+    const String path = Song::pathWithFileExtension(chosen->path, fileType);
     if (song->saveToFile(path, fileType) != 0) return String();
     return path;
 }
