@@ -7,5 +7,6 @@ namespace melodex {
 Melodex theBaseApp;
 SongConfig theAppConfig;  // registers its string table with theBaseApp
 SongDatabase theSongDB;   // its folders come from theAppConfig when it opens
+BibleDatabase theBibleDB; // its folder comes from theAppConfig.init
 
 }  // namespace melodex

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "melodex/app/melodex.h"
+#include "melodex/bible/bible_database.h"
 #include "melodex/foundation/file_system.h"
 #include "melodex/library/song_database.h"
 #include "melodex/platform/dialogs.h"
@@ -120,6 +121,7 @@ bool SongConfig::init(int programId) {
     createFolders(getSongDatabaseFilesDir());
     // The program's configuration points the shared library at its folder.
     if (this == &theAppConfig) theSongDB.setDatabaseFolder(m_songDatabaseDir);
+    if (this == &theAppConfig) theBibleDB.setDatabaseFolder(m_bibleDatabaseDir);
     return true;
 }
 
