@@ -4,7 +4,7 @@
 // Bible whose protected parts a test may use, and the text of a Bible's
 // verses for comparisons.
 
-#include <initializer_list>
+#include <vector>
 
 #include "melodex/bible/bible.h"
 #include "melodex/foundation/text.h"
@@ -33,7 +33,7 @@ struct BookShape {
 // An XML Bible in the OpenSong layout: <bible n="title"><b n=...><c n=...>
 // <v n=...>Book c:v</v>. Verse texts name their place, so a test can tell
 // which verse it got.
-inline String xmlBible(const String& title, std::initializer_list<BookShape> books) {
+inline String xmlBible(const String& title, const std::vector<BookShape>& books) {
     String xml = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<bible n=\"" + title + "\">\n";
     for (const BookShape& book : books) {
         xml += "<b n=\"" + book.title + "\">";

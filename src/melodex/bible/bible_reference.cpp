@@ -246,7 +246,8 @@ std::optional<BibleReference> BibleReference::parse(std::string_view text, Style
                                                     String* error) {
     BibleReference reference;
     for (const String& piece : split(text, ";")) {
-        const std::string_view passage = trimBlanks(strip(piece, " \t\r\n"));
+        const String stripped = strip(piece, " \t\r\n");
+        const std::string_view passage = stripped;
         if (passage.empty()) continue;
         const std::size_t start = chapterStart(passage);
         BiblePassage parsed;
