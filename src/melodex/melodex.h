@@ -46,6 +46,7 @@
 #include "melodex/bible/bible_database.h"
 #include "melodex/bible/bible_object.h"
 #include "melodex/bible/bible_reference.h"
+#include "melodex/bible/bible_search.h"
 #include "melodex/bible/bible_verse.h"
 #include "melodex/app/app_config.h"
 #include "melodex/app/globals.h"

@@ -90,7 +90,7 @@ TEST_F(BibleDatabaseTest, ImportsIntoNewFoldersNamedAfterTheTitle) {
     ASSERT_TRUE(m_db.importFile(xml, true, true));
     ASSERT_TRUE(m_db.importFile(xml, false, true));
     EXPECT_EQ(folders(), (StringArray{"KJV", "KJV 2", "KJV 3"}));
-    const Bible* third = *std::next(m_db.bibles().begin(), 2);
+    const Bible* third = m_db.bibles()[2];
     EXPECT_EQ(third->folder(), m_folder.file("db/KJV 3"));
     // The imported books point at their installed files and stay loaded.
     EXPECT_EQ(third->book(0)->filename(), m_folder.file("db/KJV 3/Genesis.book"));

@@ -3,6 +3,7 @@
 #include <fmt/core.h>
 #include <CLI/CLI.hpp>
 
+#include "bible_commands.h"
 #include "command_line.h"
 #include "library_commands.h"
 #include "set_commands.h"
@@ -16,6 +17,7 @@ int main(int argc, char** argv) {
     melodex::cli::addSongCommands(app);
     melodex::cli::addLibraryCommands(app);
     melodex::cli::addSetCommands(app);
+    melodex::cli::addBibleCommands(app);
 
     try {
         app.parse(argc, argv);
