@@ -32,6 +32,10 @@ run: release
 	@$(MELODEX) set show "samples/Sunday Service.set"
 	@echo; echo "== A tour of the library's classes (examples/example.cpp)"
 	@$(EXAMPLE) examples/data/hymn.ini examples/data/lines-utf16.txt
+	@echo; echo "== The sample Bible (samples/bible), installed once, and a passage"
+	@$(MELODEX) bible show "King James Version" "Gen 1:1" >/dev/null 2>&1 || \
+		$(MELODEX) bible import "samples/bible/King James Version"
+	@$(MELODEX) bible show "King James Version" "John 3:16-18; Jude 3"
 
 test: test-dev test-asan
 

@@ -1,9 +1,13 @@
 #include "melodex/bible/bible_object.h"
 
+#include <algorithm>
+
 namespace melodex {
 
 String BibleObject::oneLine(std::string_view text) {
-    if (text.find_first_of("\r\n") == std::string_view::npos) return String(text);
+    // A plain loop: find_first_of with a set calls memchr once per byte.
+    if (std::none_of(text.begin(), text.end(), [](char c) { return c == '\r' || c == '\n'; }))
+        return String(text);
     String line;
     line.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
