@@ -36,14 +36,14 @@ using Clock = std::chrono::steady_clock;
 // 1,189 chapters and 31,102 verses in all. Verses are spread evenly over a
 // book's chapters (Psalms: 150 chapters, 2,461 verses).
 constexpr std::array<int, 66> Chapters = {
-    50, 40, 27, 36, 34, 24, 21, 4,  31, 24, 22, 25, 29, 36, 10, 13, 10, 42, 150, 31, 12, 8,
-    66, 52, 5,  48, 12, 14, 3,  9,  1,  4,  7,  3,  3,  3,  2,  14, 4,  28,  16, 24, 21, 28,
-    16, 16, 13, 6,  6,  4,  4,  5,  3,  6,  4,  3,  1,  13, 5,  5,  3,   5,  1,  1,  1,  22};
+    50, 40, 27, 36, 34, 24, 21, 4, 31, 24, 22, 25, 29, 36, 10, 13, 10, 42, 150, 31, 12, 8,
+    66, 52, 5,  48, 12, 14, 3,  9, 1,  4,  7,  3,  3,  3,  2,  14, 4,  28, 16,  24, 21, 28,
+    16, 16, 13, 6,  6,  4,  4,  5, 3,  6,  4,  3,  1,  13, 5,  5,  3,  5,  1,   1,  1,  22};
 constexpr std::array<int, 66> Verses = {
-    1533, 1213, 859, 1288, 959,  658, 618, 85,  810, 695, 816, 719, 942, 822,  280, 406, 167,
-    1070, 2461, 915, 222,  117,  1292, 1364, 154, 1273, 357, 197, 73,  146, 21, 48, 105, 47,
-    56,   53,   38,  211,  55,   1071, 678, 1151, 879, 1007, 433, 437, 257, 149, 155, 104, 95,
-    89,   47,   113, 83,   46,   25,  303, 108, 105, 61,  105, 13,  14,  25,  404};
+    1533, 1213, 859, 1288, 959, 658,  618,  85,   810,  695,  816, 719, 942, 822, 280, 406, 167,
+    1070, 2461, 915, 222,  117, 1292, 1364, 154,  1273, 357,  197, 73,  146, 21,  48,  105, 47,
+    56,   53,   38,  211,  55,  1071, 678,  1151, 879,  1007, 433, 437, 257, 149, 155, 104, 95,
+    89,   47,   113, 83,   46,  25,   303,  108,  105,  61,   105, 13,  14,  25,  404};
 
 constexpr int sum(const std::array<int, 66>& values) {
     int total = 0;
@@ -53,12 +53,16 @@ constexpr int sum(const std::array<int, 66>& values) {
 }
 static_assert(sum(Chapters) == 1189 && sum(Verses) == 31102);
 
-const char* const Words[] = {
-    "the",   "and",    "of",    "to",     "in",   "that", "he",     "shall", "unto",  "for",
-    "his",   "they",   "be",    "is",     "him",  "not",  "them",   "it",    "with",  "all",
-    "thou",  "thy",    "was",   "which",  "my",   "said", "LORD",   "God",   "people", "land",
-    "house", "children", "came", "earth", "heaven", "king", "Israel", "behold", "therefore",
-    "servant", "hath", "upon", "before", "through", "righteousness", "Jerusalem", "mercy"};
+const char* const Words[] = {"the",       "and",      "of",     "to",        "in",
+                             "that",      "he",       "shall",  "unto",      "for",
+                             "his",       "they",     "be",     "is",        "him",
+                             "not",       "them",     "it",     "with",      "all",
+                             "thou",      "thy",      "was",    "which",     "my",
+                             "said",      "LORD",     "God",    "people",    "land",
+                             "house",     "children", "came",   "earth",     "heaven",
+                             "king",      "Israel",   "behold", "therefore", "servant",
+                             "hath",      "upon",     "before", "through",   "righteousness",
+                             "Jerusalem", "mercy"};
 
 // Verse texts drawn from a fixed seed: 40 to 250 characters, about 130 on
 // average, as in the King James text.
@@ -258,8 +262,8 @@ BENCHMARK(BM_LoadPsalmsOnFirstUse)->Unit(benchmark::kMillisecond);
 void BM_ShowVerseColdProcess(benchmark::State& state) {
     const String data = Corpus::get().path("");
     Corpus::get().database();
-    const char* argv[] = {MELODEX_CLI_PROGRAM, "--data", data.c_str(), "bible", "show",
-                          "KJV",               "John 3:16", nullptr};
+    const char* argv[] = {MELODEX_CLI_PROGRAM, "--data", data.c_str(), "bible", "show", "KJV",
+                          "John 3:16",         nullptr};
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);

@@ -77,8 +77,8 @@ TEST(BibleBookTest, ReadsEveryKindOfBookLine) {
     EXPECT_FALSE(book.isLoaded());
     EXPECT_EQ(book.load(), 0u);
     EXPECT_TRUE(book.isLoaded());
-    EXPECT_EQ(chapterDump(book), (StringArray{"[12|Psalm 12] 3:Text 4: [a:b",
-                                              "[|Intro] 1:first", "[7|Seven] 1:a:b"}));
+    EXPECT_EQ(chapterDump(book),
+              (StringArray{"[12|Psalm 12] 3:Text 4: [a:b", "[|Intro] 1:first", "[7|Seven] 1:a:b"}));
     // "!title=" never sets the title, and neither does "!Title=": the title
     // from bible.ini stands.
     EXPECT_EQ(book.title(), "Genesis");

@@ -41,8 +41,8 @@ protected:
 
     StringArray folders() const {
         StringArray out;
-        for (const FolderItem& item : listFolder(m_folder.file("db")).value_or(
-                 std::vector<FolderItem>{}))
+        for (const FolderItem& item :
+             listFolder(m_folder.file("db")).value_or(std::vector<FolderItem>{}))
             out.push_back(item.name);
         return out;
     }
@@ -68,8 +68,8 @@ TEST_F(BibleDatabaseTest, ScansBibleFoldersAndSortsThemIgnoringBlanksAndCase) {
     m_folder.write("db/file.txt", "");
     m_folder.write("db/d/.hidden", "");
     EXPECT_EQ(m_db.open(), 0u);
-    EXPECT_EQ(titles(),
-              (StringArray{"King James", "World English", "worldenglish bible", "Young's Literal"}));
+    EXPECT_EQ(titles(), (StringArray{"King James", "World English", "worldenglish bible",
+                                     "Young's Literal"}));
     EXPECT_TRUE(m_db.findBibles("King James").front()->hidden());  // listed all the same
     EXPECT_EQ(m_db.findBibles("kingjames").size(), 1u);
     EXPECT_EQ(m_db.findBibles("B").front()->title(), "World English");  // by folder name
@@ -99,8 +99,8 @@ TEST_F(BibleDatabaseTest, ImportsIntoNewFoldersNamedAfterTheTitle) {
 
     // A title that would leave the folder, or hide it from the scan, names
     // a folder inside it all the same.
-    ASSERT_TRUE(m_db.importFile(m_folder.write("odd.xml", xmlBible("../.Odd", {{"Ruth"}})),
-                                false, false));
+    ASSERT_TRUE(
+        m_db.importFile(m_folder.write("odd.xml", xmlBible("../.Odd", {{"Ruth"}})), false, false));
     EXPECT_EQ(m_db.findBibles("-.Odd").size(), 1u);
 
     EXPECT_EQ(m_db.open(), 0u);
@@ -140,8 +140,8 @@ TEST_F(BibleDatabaseTest, ImportsBblFoldersAndRefusesWhatHoldsNone) {
 }
 
 TEST_F(BibleDatabaseTest, FailedImportsLeaveNothingBehind) {
-    EXPECT_FALSE(m_db.importFile(m_folder.write("song.xml", "<song><title>x</title></song>"),
-                                 false, false));
+    EXPECT_FALSE(
+        m_db.importFile(m_folder.write("song.xml", "<song><title>x</title></song>"), false, false));
     EXPECT_FALSE(m_db.importFile(m_folder.write("junk.xml", "\x01\x02 not xml"), false, false));
     EXPECT_EQ(m_db.bibleCount(), 0);
     EXPECT_TRUE(folders().empty());
@@ -204,8 +204,9 @@ TEST_F(BibleDatabaseTest, RemovesOnlyItsOwnBibleFolders) {
 
     // A Bible whose folder field has come to point elsewhere is taken out of
     // the set, but nothing outside the database folder is deleted.
-    m_folder.write("outside/bible.ini", "[info]\ntitle=Outside\nnbooks=1\n"
-                                        "[book_1]\ntitle=Ruth\nfilename=Ruth.book\n");
+    m_folder.write("outside/bible.ini",
+                   "[info]\ntitle=Outside\nnbooks=1\n"
+                   "[book_1]\ntitle=Ruth\nfilename=Ruth.book\n");
     Bible* web = m_db.findBibles("WEB").front();
     ASSERT_EQ(web->loadFromFolder(m_folder.file("outside")), 0u);
     m_db.removeEntry(web);

@@ -149,8 +149,7 @@ TEST_F(BibleReferenceTest, ParsesWithoutABible) {
     EXPECT_EQ(passages[1].book, "1 Cor");
     EXPECT_EQ(passages[1].ranges, (std::vector<BibleVerseRange>{{14, 0, 14, 0}}));
     EXPECT_EQ(passages[2].book, "Ps");
-    EXPECT_EQ(passages[2].ranges,
-              (std::vector<BibleVerseRange>{{23, 0, 24, 3}, {24, 5, 24, 5}}));
+    EXPECT_EQ(passages[2].ranges, (std::vector<BibleVerseRange>{{23, 0, 24, 3}, {24, 5, 24, 5}}));
 }
 
 TEST_F(BibleReferenceTest, FindsBooksOfOtherLanguagesByTheirPlace) {

@@ -37,10 +37,11 @@ TEST(BibleSearchTest, MatchesEveryWordAtTheStartOfAWord) {
 TEST(BibleSearchTest, FindsVersesInTheBiblesOrder) {
     const test::TempFolder folder;
     test::TestBible bible;
-    ASSERT_EQ(bible.importFromFile(folder.write(
-                  "b.xml", "<bible n='T'><b n='Genesis'><c n='1'><v n='1'>In the beginning</v>"
-                           "<v n='2'>the earth</v></c></b><b n='John'><c n='1'>"
-                           "<v n='1'>In the beginning was the Word</v></c></b></bible>")),
+    ASSERT_EQ(bible.importFromFile(
+                  folder.write("b.xml",
+                               "<bible n='T'><b n='Genesis'><c n='1'><v n='1'>In the beginning</v>"
+                               "<v n='2'>the earth</v></c></b><b n='John'><c n='1'>"
+                               "<v n='1'>In the beginning was the Word</v></c></b></bible>")),
               0u);
     StringArray found;
     for (const BibleVerse* verse : BibleSearch("beginning").find(bible))

@@ -24,13 +24,13 @@ TEST(BibleTest, LoadsBibleIniLeniently) {
     folder.write("kjv/bible.ini",
                  "[info]\ntitle=King James\npublisher=Cambridge\nnbooks=6\n"
                  "[book_1]\ntitle=Genesis\nfilename=Genesis.book\n"
-                 "[book_2]\ntitle=Exodus\n"                          // no filename: no book
+                 "[book_2]\ntitle=Exodus\n"  // no filename: no book
                  "[BOOK_3]\ntitle=Leviticus\nfilename=Leviticus.book\n"
                  "[book_4]\ntitle=Escape\nfilename=../../etc/passwd\n"  // leaves the folder
                  "[book_5]\ntitle=Absolute\nfilename=/etc/passwd\n"
                  "[book_06]\ntitle=Not book_6\nfilename=x.book\n"
                  "[book_7]\ntitle=Past nbooks\nfilename=x.book\n"
-                 "[book_6]\nfilename=sub/Numbers.book\n");          // sub-folders are inside
+                 "[book_6]\nfilename=sub/Numbers.book\n");  // sub-folders are inside
     folder.write("kjv/.hidden", "");
     TestBible bible;
     bible.description("kept");
@@ -68,8 +68,8 @@ TEST(BibleTest, LoadsBibleIniLeniently) {
 TEST(BibleTest, SavesAFolderThatLoadsBackAndAlwaysReportsSuccess) {
     const TempFolder folder;
     TestBible bible;
-    ASSERT_EQ(bible.importFromFile(folder.write("in.xml", xmlBible("AV", {{"Genesis", 2, 2},
-                                                                           {"Psalms", 1, 1}}))),
+    ASSERT_EQ(bible.importFromFile(
+                  folder.write("in.xml", xmlBible("AV", {{"Genesis", 2, 2}, {"Psalms", 1, 1}}))),
               0u);
     bible.description("The Authorised Version");
     bible.copyright("Public domain; \"free\"");
@@ -114,8 +114,8 @@ TEST(BibleTest, SavesAFolderThatLoadsBackAndAlwaysReportsSuccess) {
 TEST(BibleTest, SavingALazyBibleWritesOnlyTheTitlesOfBooksNotRead) {
     const TempFolder folder;
     TestBible bible;
-    ASSERT_EQ(bible.importFromFile(folder.write("in.xml", xmlBible("AV", {{"Genesis", 1, 2},
-                                                                           {"Exodus", 1, 2}}))),
+    ASSERT_EQ(bible.importFromFile(
+                  folder.write("in.xml", xmlBible("AV", {{"Genesis", 1, 2}, {"Exodus", 1, 2}}))),
               0u);
     (void)bible.saveToFolder(folder.file("one"));
     TestBible lazy;
@@ -157,7 +157,8 @@ TEST(BibleTest, ImportsBblFoldersInTheBiblesOrder) {
     EXPECT_EQ(bible.title(), "My Bible");
     EXPECT_EQ(bookTitles(bible), (StringArray{"Psalms", "Song of Songs", "John"}));
     EXPECT_TRUE(bible.book(0)->isLoaded());
-    EXPECT_EQ(chapterDump(*bible.book(0)), (StringArray{"[ 23|Psalm 23] 1:The LORD is my shepherd"}));
+    EXPECT_EQ(chapterDump(*bible.book(0)),
+              (StringArray{"[ 23|Psalm 23] 1:The LORD is my shepherd"}));
     EXPECT_EQ(bible.description(), "");
 
     TestBible nothing;
@@ -184,9 +185,9 @@ TEST(BibleTest, ImportsXmlBiblesByTheirAttributesAlone) {
     EXPECT_EQ(chapterDump(*bible.book(0)), (StringArray{"[1|Chapter 1] 1:In the beginning 2:"}));
 
     // Without "n" the title is the file's name; "bible" may stand below the root.
-    const String untitled =
-        folder.write("My Bible.xmm", "<root><bible><b n='Jude'><c n='1'><v n='3'>x</v></c></b>"
-                                     "</bible></root>");
+    const String untitled = folder.write("My Bible.xmm",
+                                         "<root><bible><b n='Jude'><c n='1'><v n='3'>x</v></c></b>"
+                                         "</bible></root>");
     ASSERT_EQ(bible.importFromFile(untitled), 0u);
     EXPECT_EQ(bible.title(), "My Bible");
     EXPECT_EQ(chapterDump(*bible.book(0)), (StringArray{"[1|Chapter 1] 3:x"}));

@@ -18,7 +18,7 @@ namespace {
 struct Step {
     const char* command;  // after "melodex"; {data} is the test data, {tmp} the temporary folder
     int exit;
-    const char* output;   // {tmp} for the temporary folder
+    const char* output;  // {tmp} for the temporary folder
 };
 
 class BibleCliTest : public ::testing::Test {

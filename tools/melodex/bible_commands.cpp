@@ -120,7 +120,8 @@ private:
         bool shown = false;
         while (!m_wake.wait_for(lock, 1s, [this] { return m_finished; })) {
             String line = "melodex: importing " + m_name + ": " + m_step;
-            if (m_total > 0) line += " " + std::to_string(m_done) + " of " + plural(m_total, "book");
+            if (m_total > 0)
+                line += " " + std::to_string(m_done) + " of " + plural(m_total, "book");
             if (m_terminal)
                 fmt::print(stderr, "\r{}\x1b[K", line);
             else
@@ -195,8 +196,7 @@ void listBibles() {
                    padLeft(row.books, widths[1]), padLeft(row.verses, widths[2]),
                    padRight(row.hidden, widths[3]), row.folder);
     }
-    fmt::print("{} in {}\n", plural(theBibleDB.bibleCount(), "Bible"),
-               theBibleDB.databaseFolder());
+    fmt::print("{} in {}\n", plural(theBibleDB.bibleCount(), "Bible"), theBibleDB.databaseFolder());
 }
 
 struct ShowOptions {

@@ -11,5 +11,5 @@
 
 #include "melodex/app/melodex.h"
 #include "melodex/app/song_config.h"
-#include "melodex/library/song_database.h"
 #include "melodex/bible/bible_database.h"
+#include "melodex/library/song_database.h"

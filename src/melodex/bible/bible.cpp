@@ -21,8 +21,7 @@ constexpr std::string_view BookSectionPrefix = "book_";
 // The number of a section named "book_<n>" as "book_%d" writes it (no sign,
 // no leading zero, any case of the prefix); 0 for any other name.
 long long bookSectionNumber(std::string_view name) {
-    if (name.size() <= BookSectionPrefix.size() ||
-        !startsWithIgnoreCase(name, BookSectionPrefix))
+    if (name.size() <= BookSectionPrefix.size() || !startsWithIgnoreCase(name, BookSectionPrefix))
         return 0;
     const std::string_view digits = name.substr(BookSectionPrefix.size());
     if (digits.front() == '0' || digits.size() > 18) return 0;
@@ -154,11 +153,10 @@ Status Bible::loadFromFolder(const String& folder) {
 
     long long bookTotal = 0;
     if (const ConfigKey* info = ini.findKey("info")) {
-        for (const auto& [name, field] :
-             {std::pair<std::string_view, String*>{"title", &m_title},
-              {"description", &m_description},
-              {"publisher", &m_publisher},
-              {"copyright", &m_copyright}}) {
+        for (const auto& [name, field] : {std::pair<std::string_view, String*>{"title", &m_title},
+                                          {"description", &m_description},
+                                          {"publisher", &m_publisher},
+                                          {"copyright", &m_copyright}}) {
             if (const ConfigValue* value = info->findValue(name)) *field = value->value();
         }
         bookTotal = info->getInteger("nbooks", 0);
@@ -245,6 +243,9 @@ Status Bible::importFolder(const String&) {
 Status Bible::importBblFolder(const String& folder, const Progress& progress) {
     m_lastError.clear();
     m_title = fileNameOf(withoutTrailingSeparators(folder));
+    // "." and ".." name a folder too: its own name is the one meant.
+    if (m_title.empty() || m_title == "." || m_title == "..")
+        m_title = fileNameOf(absolutePath(folder));
     for (int number = 1; number <= BibleBookNameCount; ++number) {
         if (progress) progress("reading", number - 1, BibleBookNameCount);
         const String name(englishBookName(number));

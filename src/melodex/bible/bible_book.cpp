@@ -16,8 +16,8 @@ namespace {
 // Only the end is stripped: a verse text that starts with blanks is cut by
 // the verse rule itself, and a chapter title keeps its leading blanks.
 std::string_view stripEnd(std::string_view line) {
-    while (!line.empty() &&
-           (line.back() == ' ' || line.back() == '\t' || line.back() == '\r' || line.back() == '\n'))
+    while (!line.empty() && (line.back() == ' ' || line.back() == '\t' || line.back() == '\r' ||
+                             line.back() == '\n'))
         line.remove_suffix(1);
     return line;
 }

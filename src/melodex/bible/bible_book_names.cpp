@@ -120,12 +120,12 @@ String bookNameKey(std::string_view name) {
     // references use; it must stand apart from the name ("Isaiah" is no
     // "1saiah"), and the bare word is no ordinal ("I" alone stays).
     static constexpr std::pair<std::string_view, char> Ordinals[] = {
-        {"iii", '3'}, {"ii", '2'},  {"i", '1'},     {"first", '1'}, {"second", '2'},
+        {"iii", '3'},   {"ii", '2'},  {"i", '1'},   {"first", '1'}, {"second", '2'},
         {"third", '3'}, {"1st", '1'}, {"2nd", '2'}, {"3rd", '3'}};
     for (const auto& [word, digit] : Ordinals) {
         if (folded.size() > word.size() && folded.starts_with(word) &&
             !isAsciiAlphanumeric(folded[word.size()])) {
-            const std::string_view rest = folded.substr(word.size());
+            const std::string_view rest = std::string_view(folded).substr(word.size());
             if (rest.find_first_not_of(" .") == std::string_view::npos) continue;
             folded = String(1, digit) + String(rest);
             break;

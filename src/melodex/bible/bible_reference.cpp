@@ -309,8 +309,8 @@ BibleBook* BibleReference::findBook(const Bible& bible, std::string_view name, S
 
     // Prefixes: of the Bible's titles and of the English names, counted as
     // one book when they lead to the same one.
-    std::set<int> books;    // indexes in the Bible
-    std::set<int> absent;   // English books the Bible lacks
+    std::set<int> books;   // indexes in the Bible
+    std::set<int> absent;  // English books the Bible lacks
     StringArray names;
     for (int i = 0; i < bible.bookCount(); ++i) {
         if (bookNameKey(bible.book(i)->title()).starts_with(key) && books.insert(i).second)

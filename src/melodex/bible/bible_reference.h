@@ -4,8 +4,8 @@
 // they name in a Bible.
 //
 //     String error;
-//     std::optional<BibleReference> reference = BibleReference::parse("1 Cor 13:4-7; Rom 8:28", {}, &error);
-//     if (reference) {
+//     std::optional<BibleReference> reference = BibleReference::parse("1 Cor 13:4-7; Rom 8:28", {},
+//     &error); if (reference) {
 //         for (BibleVerse* verse : reference->resolve(bible, &error))
 //             std::cout << BibleReference::label(*verse) << ' ' << verse->text() << '\n';
 //     }
