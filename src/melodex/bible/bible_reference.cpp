@@ -344,7 +344,11 @@ std::vector<BibleVerse*> BibleReference::resolve(const Bible& bible, String* err
         if (!book) return {};
         const int count = book->chapterCount();
         if (count == 0) {
-            setError(error, book->title() + " holds no chapters in " + bible.title());
+            String message = book->title() + " holds no chapters in " + bible.title();
+            // A book file that could not be read is the usual reason.
+            if (const FileError& failure = book->lastError())
+                message += " (" + failure.message() + ")";
+            setError(error, message);
             return {};
         }
         std::vector<int> numbers(static_cast<std::size_t>(count));
