@@ -41,6 +41,11 @@ run: run-build
 	@$(MELODEX) --data $(DEMO) set show "samples/Sunday Service.set"
 	@echo; echo "== A tour of the library's classes (examples/example.cpp)"
 	@$(EXAMPLE) examples/data/hymn.ini examples/data/lines-utf16.txt
+	@echo; echo "== The sample Bible (samples/bible), installed once, and a passage"
+	@$(MELODEX) --data $(DEMO) bible show "King James Version" "Gen 1:1" >/dev/null 2>&1 || \
+		$(MELODEX) --data $(DEMO) bible import "samples/bible/King James Version"
+	@$(MELODEX) --data $(DEMO) bible list
+	@$(MELODEX) --data $(DEMO) bible show "King James Version" "John 3:16-18; Jude 3"
 
 test: test-dev test-asan
 

@@ -3,6 +3,7 @@
 #include <fmt/core.h>
 #include <CLI/CLI.hpp>
 
+#include "bible_commands.h"
 #include "command_line.h"
 #include "library_commands.h"
 #include "print_commands.h"
@@ -24,6 +25,7 @@ int main(int argc, char** argv) {
     melodex::cli::addSetCommands(app);
     melodex::cli::addProfileCommands(app);
     melodex::cli::addPrintCommands(app);  // after the commands it adds options to
+    melodex::cli::addBibleCommands(app);
 
     try {
         app.parse(argc, argv);

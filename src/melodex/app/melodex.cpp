@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "melodex/bible/bible_database.h"
 #include "melodex/foundation/file_system.h"
 #include "melodex/foundation/string_tables.h"
 #include "melodex/library/song_database.h"
@@ -96,6 +97,7 @@ void Melodex::setDialogs(Dialogs* dialogs) {
     m_dialogs = dialogs;
     // The library shows the same dialogs as the program.
     if (this == &theBaseApp) theSongDB.setDialogs(dialogs);
+    if (this == &theBaseApp) theBibleDB.setDialogs(dialogs);
 }
 
 ProcessLauncher& Melodex::processLauncher() const {

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "melodex/app/melodex.h"
+#include "melodex/bible/bible_database.h"
 #include "melodex/display/song_display_profile.h"
 #include "melodex/foundation/file_system.h"
 #include "melodex/library/song_database.h"
@@ -122,10 +123,11 @@ bool SongConfig::init(int programId) {
     m_logFilesDir = settleFolder(settings, "LogFilesDir", joinPath(m_userDataDir, "Log Files"));
 
     createFolders(getSongDatabaseFilesDir());
-    // The program's configuration points the shared library and the profile
-    // list at their folders.
+    // The program's configuration points the shared library, the Bible
+    // database and the profile list at their folders.
     if (this == &theAppConfig) {
         theSongDB.setDatabaseFolder(m_songDatabaseDir);
+        theBibleDB.setDatabaseFolder(m_bibleDatabaseDir);
         SongDisplayProfile::setProfileFolder(m_displayProfilesDir);
     }
     return true;
