@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 
 #include "command_line.h"
+#include "display_commands.h"
 #include "library_commands.h"
 #include "set_commands.h"
 #include "song_commands.h"
@@ -16,6 +17,7 @@ int main(int argc, char** argv) {
     melodex::cli::addSongCommands(app);
     melodex::cli::addLibraryCommands(app);
     melodex::cli::addSetCommands(app);
+    melodex::cli::addDisplayCommands(app);
 
     try {
         app.parse(argc, argv);

@@ -121,6 +121,26 @@ bool layerFromName(std::string_view name, DisplayLayer& out) {
     return enumFromName(name, names, out);
 }
 
+String imageModeName(int mode) {
+    constexpr const char* names[] = {"fill", "fit", "stretch", "centre"};
+    return mode >= 0 && mode <= ImageMode::Last ? String(names[mode]) : std::to_string(mode);
+}
+
+bool imageModeFromName(std::string_view name, int& out) {
+    constexpr const char* names[] = {"fill", "fit", "stretch", "centre"};
+    for (int mode = 0; mode <= ImageMode::Last; ++mode) {
+        if (name == names[mode] || name == std::to_string(mode)) {
+            out = mode;
+            return true;
+        }
+    }
+    if (name == "center") {
+        out = ImageMode::Centre;
+        return true;
+    }
+    return false;
+}
+
 String DisplayScreenState::toJson() const {
     return dumpJson(screenToJson(*this));
 }

@@ -45,6 +45,9 @@ String blankName(DisplayBlank blank);
 bool blankFromName(std::string_view name, DisplayBlank& out);
 String layerName(DisplayLayer layer);
 bool layerFromName(std::string_view name, DisplayLayer& out);
+// "fill", "fit", "stretch", "centre" ("center" too, and the numbers 0 to 3).
+String imageModeName(int mode);
+bool imageModeFromName(std::string_view name, int& out);
 
 struct DisplayLayerState {
     String path;  // absolute path on the server's machine; empty: no image
