@@ -160,6 +160,9 @@ struct Peer {
     virtual ~Peer() = default;
     virtual void send(const std::string& message) = 0;
     virtual void close() = 0;
+    // Closes once what is queued has been written (at shutdown, so that the
+    // shutdown reply still goes out).
+    virtual void finish() = 0;
 
     bool greeted = false;
     std::array<bool, DisplayScreenCount> subscribed{};
@@ -192,6 +195,17 @@ struct DisplayServer::Impl {
     void changed(DisplayScreen screen);
     void dropPeer(Peer& peer);
     void shutdown();
+
+    // Every open connection (controller, page, HTTP session) with the call
+    // that ends it, so that shutdown can end them all and the I/O loop then
+    // returns by itself.
+    std::unordered_map<const void*, std::function<void()>> connections;
+    std::optional<net::steady_timer> deadline;
+    void opened(const void* key, std::function<void()> closer) { connections[key] = std::move(closer); }
+    void closed(const void* key) {
+        connections.erase(key);
+        if (stopping && connections.empty() && deadline) deadline->cancel();
+    }
 
     // HTTP and WebSocket
     struct HttpReply {
@@ -228,7 +242,15 @@ public:
     void start() {
         ErrorCode ignored;
         m_socket.set_option(tcp::no_delay(true), ignored);
+        m_server.opened(this, [weak = weak_from_this()] {
+            if (auto self = weak.lock()) self->finish();
+        });
         read();
+    }
+
+    void finish() override {
+        m_finishing = true;
+        if (m_queue.empty()) close();
     }
 
     void send(const std::string& message) override {
@@ -252,38 +274,42 @@ private:
                 close();
                 return;
             }
-            take(std::string_view(m_chunk.data(), size));
-            if (!m_closed) read();
+            m_pending.append(m_chunk.data(), size);
+            drain();
         });
     }
 
-    // Splits what arrived into lines; a line over the limit is answered once
-    // and the rest of it dropped up to its end.
-    void take(std::string_view bytes) {
-        while (!bytes.empty() && !m_closed) {
-            const std::size_t end = bytes.find('\n');
-            const std::string_view piece = bytes.substr(0, end);
-            if (!m_discarding) {
-                m_line.append(piece);
-                if (m_line.size() > MaxLineBytes) {
-                    m_line.clear();
-                    m_discarding = true;
-                    send(errorReply(nullptr, "line_too_long", "a line may hold at most 65536 bytes"));
-                }
-            }
-            if (end == std::string_view::npos) return;
-            bytes.remove_prefix(end + 1);
+    // Answers one line per turn of the loop, so that a client with many
+    // requests queued takes turns with the others. A line over the limit is
+    // answered once and the rest of it dropped up to its end.
+    void drain() {
+        if (m_closed) return;
+        const std::size_t end = m_pending.find('\n');
+        if (end == std::string::npos) {
             if (m_discarding) {
-                m_discarding = false;
-                continue;
+                m_pending.clear();
+            } else if (m_pending.size() > MaxLineBytes) {
+                m_pending.clear();
+                m_discarding = true;
+                send(errorReply(nullptr, "line_too_long", "a line may hold at most 65536 bytes"));
             }
-            std::string line = std::move(m_line);
-            m_line.clear();
-            if (!line.empty() && line.back() == '\r') line.pop_back();
-            if (line.find_first_not_of(" \t") == std::string::npos) continue;
-            const std::string reply = m_server.handle(*this, line);
-            if (!reply.empty()) send(reply);
+            read();
+            return;
         }
+        std::string line = m_pending.substr(0, end);
+        m_pending.erase(0, end + 1);
+        if (m_discarding) {
+            m_discarding = false;
+        } else if (line.size() > MaxLineBytes) {
+            send(errorReply(nullptr, "line_too_long", "a line may hold at most 65536 bytes"));
+        } else {
+            if (!line.empty() && line.back() == '\r') line.pop_back();
+            if (line.find_first_not_of(" \t") != std::string::npos) {
+                const std::string reply = m_server.handle(*this, line);
+                if (!reply.empty()) send(reply);
+            }
+        }
+        net::post(m_socket.get_executor(), [self = shared_from_this()] { self->drain(); });
     }
 
     void write() {
@@ -295,14 +321,19 @@ private:
             }
             m_queuedBytes -= m_queue.front().size();
             m_queue.pop_front();
-            if (!m_queue.empty()) write();
+            if (!m_queue.empty()) {
+                write();
+            } else if (m_finishing) {
+                close();
+            }
         });
     }
 
     DisplayServer::Impl& m_server;
     tcp::socket m_socket;
+    bool m_finishing = false;
     std::array<char, 8192> m_chunk{};
-    std::string m_line;
+    std::string m_pending;  // bytes read and not yet answered
     bool m_discarding = false;
     std::deque<std::string> m_queue;
     std::size_t m_queuedBytes = 0;
@@ -316,6 +347,7 @@ void TcpPeer::close() {
     m_socket.shutdown(tcp::socket::shutdown_both, ignored);
     m_socket.close(ignored);
     m_server.dropPeer(*this);
+    m_server.closed(this);
 }
 
 // A page (or a controller) on the WebSocket: text frames in, each
@@ -325,11 +357,17 @@ public:
     WebSocketPeer(DisplayServer::Impl& server, tcp::socket socket) : m_server(server), m_ws(std::move(socket)) {}
 
     void start(http::request<http::string_body> request) {
+        m_server.opened(this, [weak = weak_from_this()] {
+            if (auto self = weak.lock()) self->finish();
+        });
         beast::get_lowest_layer(m_ws).expires_never();
         m_ws.set_option(websocket::stream_base::timeout::suggested(beast::role_type::server));
         m_ws.read_message_max(MaxWebSocketFrame);
         m_ws.async_accept(request, [self = shared_from_this()](ErrorCode error) {
-            if (error || self->m_server.stopping) return;
+            if (error || self->m_server.stopping) {
+                self->close();
+                return;
+            }
             self->m_server.peers.insert(self.get());
             self->read();
         });
@@ -353,6 +391,12 @@ public:
         beast::get_lowest_layer(m_ws).socket().shutdown(tcp::socket::shutdown_both, ignored);
         beast::get_lowest_layer(m_ws).socket().close(ignored);
         m_server.dropPeer(*this);
+        m_server.closed(this);
+    }
+
+    void finish() override {
+        m_finishing = true;
+        if (m_queue.empty()) close();
     }
 
 private:
@@ -381,12 +425,17 @@ private:
             }
             self->m_queuedBytes -= self->m_queue.front().size();
             self->m_queue.pop_front();
-            if (!self->m_queue.empty() && !self->m_closed) self->write();
+            if (!self->m_queue.empty() && !self->m_closed) {
+                self->write();
+            } else if (self->m_finishing) {
+                self->close();
+            }
         });
     }
 
     DisplayServer::Impl& m_server;
     websocket::stream<beast::tcp_stream> m_ws;
+    bool m_finishing = false;
     beast::flat_buffer m_buffer;
     std::deque<std::string> m_queue;
     std::size_t m_queuedBytes = 0;
@@ -399,6 +448,21 @@ class HttpSession : public std::enable_shared_from_this<HttpSession> {
 public:
     HttpSession(DisplayServer::Impl& server, tcp::socket socket) : m_server(server), m_stream(std::move(socket)) {}
 
+    void start() {
+        m_server.opened(this, [weak = weak_from_this()] {
+            if (auto self = weak.lock()) self->end();
+        });
+        read();
+    }
+
+private:
+    void end() {
+        ErrorCode ignored;
+        m_stream.socket().shutdown(tcp::socket::shutdown_both, ignored);
+        m_stream.socket().close(ignored);
+        m_server.closed(this);
+    }
+
     void read() {
         m_parser.emplace();
         m_parser->header_limit(16 * 1024);
@@ -408,11 +472,9 @@ public:
                          [self = shared_from_this()](ErrorCode error, std::size_t) { self->answer(error); });
     }
 
-private:
     void answer(ErrorCode error) {
         if (error) {
-            ErrorCode ignored;
-            m_stream.socket().shutdown(tcp::socket::shutdown_both, ignored);
+            end();
             return;
         }
         http::request<http::string_body> request = m_parser->release();
@@ -420,6 +482,7 @@ private:
         if (websocket::is_upgrade(request) && target.substr(0, target.find('?')) == "/ws" &&
             m_server.peers.size() < MaxPeers && !m_server.stopping) {
             std::make_shared<WebSocketPeer>(m_server, m_stream.release_socket())->start(std::move(request));
+            m_server.closed(this);
             return;
         }
         const std::string_view method(request.method_string().data(), request.method_string().size());
@@ -433,9 +496,8 @@ private:
         response->body() = std::move(reply.body);
         response->prepare_payload();
         http::async_write(m_stream, *response, [self = shared_from_this(), response](ErrorCode writeError, std::size_t) {
-            if (writeError || !response->keep_alive()) {
-                ErrorCode ignored;
-                self->m_stream.socket().shutdown(tcp::socket::shutdown_both, ignored);
+            if (writeError || !response->keep_alive() || self->m_server.stopping) {
+                self->end();
                 return;
             }
             self->read();
@@ -701,7 +763,7 @@ void DisplayServer::Impl::acceptWeb() {
             if (!stopping && error != net::error::operation_aborted) acceptWeb();
             return;
         }
-        std::make_shared<HttpSession>(*this, std::move(socket))->read();
+        std::make_shared<HttpSession>(*this, std::move(socket))->start();
         acceptWeb();
     });
 }
@@ -711,16 +773,19 @@ void DisplayServer::Impl::shutdown() {
     stopping = true;
     ErrorCode ignored;
     acceptor.close(ignored);
-    signals.cancel(ignored);
     webAcceptor.close(ignored);
-    const std::set<Peer*> open = peers;
-    for (Peer* peer : open)
-        if (peers.count(peer)) peer->close();
-    peers.clear();
-    // Pages that never answer the closing handshake must not keep the
-    // server alive.
-    auto deadline = std::make_shared<net::steady_timer>(io, std::chrono::seconds(1));
-    deadline->async_wait([this, deadline](ErrorCode) { io.stop(); });
+    signals.cancel(ignored);
+    const auto open = connections;
+    for (const auto& [key, closer] : open)
+        if (connections.count(key)) closer();
+    // A peer that never takes what is left for it must not keep the server
+    // alive.
+    if (!connections.empty()) {
+        deadline.emplace(io, std::chrono::seconds(2));
+        deadline->async_wait([this](ErrorCode error) {
+            if (!error) io.stop();
+        });
+    }
 }
 
 // --- HTTP -------------------------------------------------------------------
