@@ -1,11 +1,12 @@
 # The two commands of the README:
 #   make run    installs what is missing, builds, and runs the main job
-#   make test   installs what is missing, builds and runs every test (dev and asan)
+#   make test   installs what is missing, builds and runs every test (dev, asan,
+#               and the presentation tests under ThreadSanitizer)
 
 MELODEX := build/release/tools/melodex/melodex
 EXAMPLE := build/release/examples/melodex_example
 
-.PHONY: all run test test-dev test-asan bootstrap release bench format clean
+.PHONY: all run test test-dev test-asan test-tsan bootstrap release bench format clean
 
 all: release
 
@@ -33,7 +34,7 @@ run: release
 	@echo; echo "== A tour of the library's classes (examples/example.cpp)"
 	@$(EXAMPLE) examples/data/hymn.ini examples/data/lines-utf16.txt
 
-test: test-dev test-asan
+test: test-dev test-asan test-tsan
 
 test-dev: bootstrap
 	cmake --preset dev
@@ -44,6 +45,13 @@ test-asan: bootstrap
 	cmake --preset asan
 	cmake --build --preset asan
 	ctest --preset asan
+
+# Only the presentation runtime runs threads of its own; its tests (and the
+# display server they start) are all this build makes.
+test-tsan: bootstrap
+	cmake --preset tsan
+	cmake --build --preset tsan
+	ctest --preset tsan
 
 bench: release
 	@for b in build/release/bench/*_bench; do echo "== $$b"; $$b; done
