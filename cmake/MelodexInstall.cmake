@@ -45,3 +45,9 @@ if(MELODEX_BUILD_TOOLS)
     # beside it (or in the folder above).
     install(FILES ${PROJECT_SOURCE_DIR}/resources/product.bcf DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
+
+# The display server carries its pages inside the program, so the program
+# alone is all it needs.
+if(MELODEX_BUILD_DISPLAY_SERVER)
+    install(TARGETS melodex_display RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()

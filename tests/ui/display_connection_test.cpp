@@ -135,6 +135,26 @@ TEST_F(DisplayConnectionTest, ImagesStayInTheCacheWhileShownAndGoBackAtDestructi
     EXPECT_EQ(theImageMgr.count(), before);
 }
 
+// Copies share the images without holders of their own, as programs have
+// always copied connections; the second destructor's release finds nothing
+// left to give back and must not touch the freed image.
+TEST_F(DisplayConnectionTest, ACopySharesTheImagesAndBothMayDie) {
+    const int before = theImageMgr.count();
+    {
+        DisplayConnection display;
+        ASSERT_TRUE(connect(display));
+        ASSERT_TRUE(display.setForegroundImage(&m_red, ImageMode::Centre, nullptr));
+        display.setMediaFile("/media/intro.mp4");
+        const DisplayConnection copy(display);
+        EXPECT_FALSE(copy.isConnected());
+        EXPECT_EQ(copy.getForegroundImage(), display.getForegroundImage());
+        EXPECT_EQ(copy.getForegroundImageMode(), ImageMode::Centre);
+        EXPECT_EQ(copy.getMediaFile(), "/media/intro.mp4");
+        EXPECT_EQ(theImageMgr.holders(copy.getForegroundImage()), 1);
+    }
+    EXPECT_EQ(theImageMgr.count(), before);
+}
+
 TEST_F(DisplayConnectionTest, ASubscriberFollowsAnotherControllersChanges) {
     ProjectorClient watcher;
     ASSERT_TRUE(watcher.connect("127.0.0.1", m_server.port()));

@@ -8,7 +8,10 @@ CachedImageManager::~CachedImageManager() = default;
 
 CachedImage* CachedImageManager::addLocked(const CachedImage& image) {
     Entry& entry = m_images[image.path()];
-    if (!entry.image) entry.image = std::make_unique<CachedImage>(image);
+    if (!entry.image) {
+        entry.image = std::make_unique<CachedImage>(image);
+        m_paths.emplace(entry.image.get(), image.path());
+    }
     ++entry.holders;
     return entry.image.get();
 }
@@ -34,9 +37,13 @@ CachedImage* CachedImageManager::add(std::string_view path) {
 void CachedImageManager::remove(CachedImage* image) {
     if (!image) return;
     std::lock_guard guard(m_mutex);
-    const auto found = m_images.find(image->path());
-    if (found == m_images.end() || found->second.image.get() != image) return;
-    if (--found->second.holders < 1) m_images.erase(found);
+    const auto path = m_paths.find(image);
+    if (path == m_paths.end()) return;
+    const auto found = m_images.find(path->second);
+    if (--found->second.holders < 1) {
+        m_images.erase(found);
+        m_paths.erase(path);
+    }
 }
 
 CachedImage* CachedImageManager::find(std::string_view path) const {
@@ -46,11 +53,9 @@ CachedImage* CachedImageManager::find(std::string_view path) const {
 }
 
 int CachedImageManager::holders(const CachedImage* image) const {
-    if (!image) return 0;
     std::lock_guard guard(m_mutex);
-    const auto found = m_images.find(image->path());
-    if (found == m_images.end() || found->second.image.get() != image) return 0;
-    return found->second.holders;
+    const auto path = m_paths.find(image);
+    return path == m_paths.end() ? 0 : m_images.at(path->second).holders;
 }
 
 int CachedImageManager::count() const {

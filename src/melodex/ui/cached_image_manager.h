@@ -36,8 +36,10 @@ public:
     CachedImage* add(const CachedImage* image);
     // The same for the image at `path` (made absolute).
     CachedImage* add(std::string_view path);
-    // One holder fewer; null, or a pointer the cache did not give out, does
-    // nothing.
+    // One holder fewer; null, or a pointer the cache does not hold, does
+    // nothing. The pointer is looked up, never read, so a copy that
+    // outlived its image (DisplayConnection copies share pointers) cannot
+    // make the cache read freed memory.
     void remove(CachedImage* image);
 
     // The cached copy of the image at `path`, or null; adds no holder.
@@ -56,7 +58,8 @@ private:
     CachedImage* addLocked(const CachedImage& image);
 
     mutable std::mutex m_mutex;
-    std::unordered_map<String, Entry> m_images;  // by absolute path
+    std::unordered_map<String, Entry> m_images;                // by absolute path
+    std::unordered_map<const CachedImage*, String> m_paths;  // the copies handed out
 };
 
 // The image cache of the process, defined in ui/ beside theObjMgr.
