@@ -93,10 +93,10 @@ void showImage(const ServerOptions& server, const ImageOptions& options) {
         failUsage("--mode must be fill, fit, stretch or centre (or 0 to 3)");
     DisplayTransition fade = DisplayTransition::fade(options.fadeMs);
     DisplayTransition* transition = options.fadeMs > 0 ? &fade : nullptr;
+    const DisplayScreen screen = screenOption(server, DisplayScreen::Main);
     DisplayConnection display;
     connectTo(display, server);
     CachedImage image(options.file);
-    const DisplayScreen screen = screenOption(server, DisplayScreen::Main);
     bool shown;
     if (screen == DisplayScreen::Main) {
         shown = options.background ? display.setBackgroundImage(&image, mode, transition)
@@ -112,24 +112,26 @@ void clearScreen(const ServerOptions& server, const std::string& layerWord) {
     DisplayLayer layer = DisplayLayer::Foreground;
     const bool all = layerWord == "all";
     if (!all && !layerFromName(layerWord, layer)) failUsage("--layer must be foreground, background or all");
+    const DisplayScreen screen = screenOption(server, DisplayScreen::Main);
     DisplayConnection display;
     connectTo(display, server);
-    if (!display.clear(screenOption(server, DisplayScreen::Main), all, layer))
+    if (!display.clear(screen, all, layer))
         failRequest(display, "cannot clear the screen");
 }
 
 void blankScreens(const ServerOptions& server, const std::string& modeWord) {
     DisplayBlank mode;
     if (!blankFromName(modeWord, mode)) failUsage("MODE must be none, black, white or background");
+    const DisplayScreen screen = screenOption(server, DisplayScreen::Main);
     DisplayConnection display;
     connectTo(display, server);
-    const bool done = server.screen.empty() ? display.blankAll(mode)
-                                            : display.blank(screenOption(server, DisplayScreen::Main), mode);
+    const bool done = server.screen.empty() ? display.blankAll(mode) : display.blank(screen, mode);
     if (!done) failRequest(display, "cannot blank the screen");
 }
 
 void showStage(const ServerOptions& server, const StageOptions& options) {
     if (options.transpose < -11 || options.transpose > 11) failUsage("--transpose must be from -11 to 11");
+    const DisplayScreen screen = screenOption(server, DisplayScreen::Stage);
     Song song;
     if (const Status status = song.loadFromFile(options.song); status != StatusSuccess)
         fail(fmt::format("cannot read {}: {}", options.song, statusMessage(status)));
@@ -148,8 +150,14 @@ void showStage(const ServerOptions& server, const StageOptions& options) {
     const DisplayStage stage = DisplayStage::fromSong(song, index, options.transpose);
     DisplayConnection display;
     connectTo(display, server);
-    if (!display.setStage(stage, screenOption(server, DisplayScreen::Stage)))
+    if (!display.setStage(stage, screen))
         failRequest(display, "cannot show the stage text");
+}
+
+void shutdownServer(const ServerOptions& server) {
+    DisplayConnection display;
+    connectTo(display, server);
+    if (!display.shutdown()) failRequest(display, "cannot stop the display server");
 }
 
 }  // namespace
@@ -194,6 +202,9 @@ void addDisplayCommands(CLI::App& app) {
     stageCommand->add_option("--section", stage->section, "the section's id, such as V1 (default: the first)");
     stageCommand->add_option("--transpose", stage->transpose, "semitones, -11 to 11");
     stageCommand->callback([server, stage] { showStage(*server, *stage); });
+
+    CLI::App* shutdownCommand = group->add_subcommand("shutdown", "Stop the display server");
+    shutdownCommand->callback([server] { shutdownServer(*server); });
 }
 
 }  // namespace melodex::cli

@@ -8,6 +8,7 @@
 //     melodex display clear [--layer foreground|background|all] [--screen S]
 //     melodex display blank MODE [--screen S]      MODE: none, black, white, background
 //     melodex display stage --song FILE [--section ID] [--transpose N]
+//     melodex display shutdown
 //
 // Image paths are sent as absolute paths: the server reads the file itself.
 // Exit codes: 0 done, 1 failed (the server or the connection said why, on
