@@ -138,6 +138,22 @@ TEST_F(DisplayProtocolTest, WantsHelloFirstAndTheRightVersion) {
     EXPECT_TRUE(pings(client));
 }
 
+TEST(DisplayServerTokenTest, AServerWithATokenWantsItInHello) {
+    test::DisplayServerProcess server({"--token", "s3cret"});
+    if (!server.started()) GTEST_SKIP() << server.error();
+    LineClient client(server.port());
+    EXPECT_NE(client.request(R"({"id":1,"op":"hello","versions":[1]})").find(R"("code":"unauthorized")"),
+              std::string::npos);
+    EXPECT_NE(client.request(R"({"id":2,"op":"status"})").find(R"("code":"hello_required")"), std::string::npos);
+    EXPECT_NE(client.request(R"({"id":3,"op":"hello","token":"s3cret"})").find(R"("ok":true)"),
+              std::string::npos);
+    ProjectorClient controller;
+    EXPECT_FALSE(controller.connect("127.0.0.1", server.port()));
+    EXPECT_EQ(controller.lastError().code, "unauthorized");
+    controller.setToken("s3cret");
+    EXPECT_TRUE(controller.connect("127.0.0.1", server.port()));
+}
+
 TEST_F(DisplayProtocolTest, ServesEightClientsAtOnce) {
     constexpr int Clients = 8;
     constexpr int Rounds = 40;

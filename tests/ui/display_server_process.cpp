@@ -31,7 +31,7 @@ int remainingMs(Clock::time_point deadline) {
 
 }  // namespace
 
-DisplayServerProcess::DisplayServerProcess() {
+DisplayServerProcess::DisplayServerProcess(const std::vector<std::string>& options) {
 #ifdef MELODEX_DISPLAY_PROGRAM
     int out[2];
     if (pipe(out) != 0) {
@@ -39,8 +39,11 @@ DisplayServerProcess::DisplayServerProcess() {
         return;
     }
     const char* program = MELODEX_DISPLAY_PROGRAM;
-    char* argv[] = {const_cast<char*>(program), const_cast<char*>("--port"), const_cast<char*>("0"),
-                    const_cast<char*>("--http-port"), const_cast<char*>("0"), nullptr};
+    std::vector<std::string> words = {program, "--port", "0", "--http-port", "0"};
+    words.insert(words.end(), options.begin(), options.end());
+    std::vector<char*> argv;
+    for (std::string& word : words) argv.push_back(word.data());
+    argv.push_back(nullptr);
     m_pid = fork();
     if (m_pid == 0) {
         // The server ends with the test, even one that dies without
@@ -49,7 +52,7 @@ DisplayServerProcess::DisplayServerProcess() {
         dup2(out[1], STDOUT_FILENO);
         ::close(out[0]);
         ::close(out[1]);
-        execv(program, argv);
+        execv(program, argv.data());
         _exit(127);
     }
     ::close(out[1]);
@@ -83,6 +86,7 @@ DisplayServerProcess::DisplayServerProcess() {
         m_error = "the server said: " + output;
     }
 #else
+    (void)options;
     m_error = "built without the display server";
 #endif
 }

@@ -7,6 +7,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <sys/types.h>
 
@@ -14,9 +15,10 @@ namespace melodex::test {
 
 class DisplayServerProcess {
 public:
-    // Starts the server; started() is false (and the reason in error())
-    // when it did not come up within five seconds.
-    DisplayServerProcess();
+    // Starts the server with `options` added to its command line;
+    // started() is false (and the reason in error()) when it did not come
+    // up within five seconds.
+    explicit DisplayServerProcess(const std::vector<std::string>& options = {});
     DisplayServerProcess(const DisplayServerProcess&) = delete;
     DisplayServerProcess& operator=(const DisplayServerProcess&) = delete;
     ~DisplayServerProcess();

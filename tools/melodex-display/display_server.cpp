@@ -824,14 +824,17 @@ DisplayServer::Impl::HttpReply DisplayServer::Impl::serveHttp(std::string_view m
         return HttpReply{code, "text/plain; charset=utf-8", std::move(body)};
     };
     if (method != "GET") return text(http::status::method_not_allowed, "GET only\n");
-    if (!tokenAccepted(query)) return text(http::status::forbidden, "token needed\n");
     DisplayScreen screen;
+    // The pages carry the state and the images are the service's own; the
+    // script, the style sheet and the index are the same for everyone.
+    const bool isScreen = path.size() > 1 && screenFromName(path.substr(1), screen);
+    if ((isScreen || path.rfind("/image/", 0) == 0) && !tokenAccepted(query))
+        return text(http::status::forbidden, "token needed\n");
     if (path == "/") {
         const WebAsset* index = findWebAsset("index.html");
         return {http::status::ok, std::string(index->contentType), std::string(index->body)};
     }
-    if (path.size() > 1 && screenFromName(path.substr(1), screen))
-        return {http::status::ok, "text/html; charset=utf-8", screenPage(screen)};
+    if (isScreen) return {http::status::ok, "text/html; charset=utf-8", screenPage(screen)};
     if (path.rfind("/image/", 0) == 0) {
         // Only files a controller named, by the number given to them: a URL
         // never carries a path, so it cannot reach anything else.
