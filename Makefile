@@ -1,6 +1,7 @@
 # The two commands of the README:
 #   make run    installs what is missing, builds, and runs the main job
-#   make test   installs what is missing, builds and runs every test (dev and asan)
+#   make test   installs what is missing, builds and runs every test (dev, asan,
+#               and the presentation tests under ThreadSanitizer)
 
 MELODEX := build/run/tools/melodex/melodex
 EXAMPLE := build/run/examples/melodex_example
@@ -9,7 +10,7 @@ EXAMPLE := build/run/examples/melodex_example
 # "melodex --data DIR ..." or leave --data out for the configured folders.
 DEMO := build/run/demo-data
 
-.PHONY: all run test test-dev test-asan bootstrap release run-build bench format clean
+.PHONY: all run test test-dev test-asan test-tsan bootstrap release run-build bench format clean
 
 all: release
 
@@ -47,7 +48,7 @@ run: run-build
 	@$(MELODEX) --data $(DEMO) bible list
 	@$(MELODEX) --data $(DEMO) bible show "King James Version" "John 3:16-18; Jude 3"
 
-test: test-dev test-asan
+test: test-dev test-asan test-tsan
 
 test-dev: bootstrap
 	cmake --preset dev
@@ -58,6 +59,13 @@ test-asan: bootstrap
 	cmake --preset asan
 	cmake --build --preset asan
 	ctest --preset asan
+
+# Only the presentation runtime runs threads of its own; its tests (and the
+# display server they start) are all this build makes.
+test-tsan: bootstrap
+	cmake --preset tsan
+	cmake --build --preset tsan
+	ctest --preset tsan
 
 bench: release
 	@for b in build/release/bench/*_bench; do echo "== $$b"; $$b; done

@@ -68,3 +68,9 @@ install(FILES ${PROJECT_SOURCE_DIR}/resources/Melodex.ini
 if(MELODEX_BUILD_TOOLS)
     install(TARGETS melodex_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
+
+# The display server carries its pages inside the program, so the program
+# alone is all it needs.
+if(MELODEX_BUILD_DISPLAY_SERVER)
+    install(TARGETS melodex_display RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()

@@ -5,6 +5,7 @@
 
 #include "bible_commands.h"
 #include "command_line.h"
+#include "display_commands.h"
 #include "library_commands.h"
 #include "print_commands.h"
 #include "profile_commands.h"
@@ -26,6 +27,7 @@ int main(int argc, char** argv) {
     melodex::cli::addProfileCommands(app);
     melodex::cli::addPrintCommands(app);  // after the commands it adds options to
     melodex::cli::addBibleCommands(app);
+    melodex::cli::addDisplayCommands(app);
 
     try {
         app.parse(argc, argv);
