@@ -147,5 +147,29 @@ TEST(TextTest, ParsesNumbersStrictlyOrLeniently) {
         EXPECT_EQ(toInteger(text, 14), expected) << '"' << text << '"';
 }
 
+TEST(TextTest, FoldsForSearchAcrossCaseAccentsAndTypography) {
+    // clang-format off
+    const std::pair<const char*, const char*> cases[] = {
+        {"Ésaïe", "esaie"},                  // accents go, case folds
+        {"STRASSE Straße", "strasse strasse"},  // full folding: ß is "ss"
+        {"Ｊｏｈｎ ３", "john 3"},              // full-width forms, compatibility decomposition
+        {"ﬁrst", "first"},                   // ligature
+        {"1\u00A0Cor", "1 cor"},              // no-break space
+        {"3:16\u20134:2 \u2014 \u2212 \u2010 \uFE63", "3:16-4:2 - - - -"},  // dashes and minus
+        {"\u2018it\u2019s\u2019 \u201Cso\u201D \u00ABoui\u00BB \u201Elow\u201C", "'it's' \"so\" \"oui\" \"low\""},
+        {"Ørsted łódź Æther", "ørsted łodz æther"},  // no decomposition: only the case folds
+        {"Ἰησοῦς Χριστός", "ιησουσ χριστοσ"},  // Greek marks go; final sigma folds to σ
+        {"Иисус Йона", "иисус иона"},          // so is the breve of Й
+        {"plain ascii 123", "plain ascii 123"},
+    };
+    // clang-format on
+    for (const auto& [text, expected] : cases)
+        EXPECT_EQ(foldForSearch(text), expected) << text;
+    // Bytes that are not UTF-8 become U+FFFD rather than vanishing or
+    // breaking the text around them.
+    EXPECT_EQ(foldForSearch("A\xff\xc3" "B"), "a\uFFFD\uFFFDb");
+    EXPECT_EQ(foldForSearch(""), "");
+}
+
 }  // namespace
 }  // namespace melodex

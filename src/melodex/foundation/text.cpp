@@ -230,6 +230,48 @@ String foldCase(std::string_view text) {
     return out;
 }
 
+String foldForSearch(std::string_view text) {
+    // Decomposing one code point at a time is enough: the combining marks,
+    // the only characters that canonical ordering would move, are dropped.
+    constexpr int Options = UTF8PROC_COMPAT | UTF8PROC_DECOMPOSE | UTF8PROC_CASEFOLD |
+                            UTF8PROC_STRIPMARK | UTF8PROC_LUMP;
+    String out;
+    out.reserve(text.size());
+    for (std::size_t pos = 0; pos < text.size();) {
+        const auto c = static_cast<unsigned char>(text[pos]);
+        if (c < 0x80) {
+            out += lowerAscii(char(c));
+            ++pos;
+            continue;
+        }
+        const char32_t codePoint = decodeUtf8(text, pos);
+        switch (codePoint) {
+        // Quotes that utf8proc's lumping leaves alone.
+        case U'\u201A': case U'\u201B': case U'\u2032':
+            out += '\'';
+            continue;
+        case U'\u201C': case U'\u201D': case U'\u201E': case U'\u201F':
+        case U'\u00AB': case U'\u00BB': case U'\u2033':
+            out += '"';
+            continue;
+        default:
+            break;
+        }
+        utf8proc_int32_t decomposed[32];
+        utf8proc_int32_t boundary = 0;
+        const utf8proc_ssize_t count =
+            utf8proc_decompose_char(utf8proc_int32_t(codePoint), decomposed, 32,
+                                    utf8proc_option_t(Options), &boundary);
+        if (count < 0 || count > 32) {
+            appendUtf8(out, codePoint);
+            continue;
+        }
+        for (utf8proc_ssize_t i = 0; i < count; ++i)
+            appendUtf8(out, char32_t(decomposed[i]));
+    }
+    return out;
+}
+
 String toLowerAscii(std::string_view text) {
     String out(text);
     for (char& c : out)

@@ -83,6 +83,15 @@ bool equalsIgnoreCase(std::string_view a, std::string_view b);
 // both are case-folded (code point order).
 int compareIgnoreCase(std::string_view a, std::string_view b);
 
+// The text as a search key, so that what a user types finds what a file
+// holds whatever its accents, case and typography: full case folding ("ß"
+// gives "ss"), compatibility decomposition with every combining mark dropped
+// ("Ésaïe" gives "esaie", "ﬁ" gives "fi"), every dash and the minus sign
+// become "-", typographic single quotes and apostrophes "'", typographic
+// double quotes and guillemets '"', and every kind of space a blank.
+// Letters without a decomposition ("ø", "ł", "æ") stay as they are.
+String foldForSearch(std::string_view text);
+
 bool startsWithIgnoreCase(std::string_view text, std::string_view prefix);
 bool endsWithIgnoreCase(std::string_view text, std::string_view suffix);
 
