@@ -171,5 +171,22 @@ TEST(TextTest, FoldsForSearchAcrossCaseAccentsAndTypography) {
     EXPECT_EQ(foldForSearch(""), "");
 }
 
+TEST(TextTest, CountsDisplayCells) {
+    const std::pair<const char*, std::size_t> cases[] = {
+        {"Amazing", 7},
+        {"Jésus", 5},            // precomposed é: one cell
+        {"Je\u0301sus", 5},      // e and a combining acute: still one cell
+        {"奇異恩典", 8},          // wide East Asian characters: two cells each
+        {"Ｇ", 2},               // full-width forms too
+        {"e\u2060qual", 5},      // a word joiner takes no cell
+        {"Свят", 4},
+        {"", 0},
+    };
+    for (const auto& [text, cells] : cases)
+        EXPECT_EQ(displayWidth(text), cells) << text;
+    EXPECT_EQ(displayWidth(U'\t'), 0);
+    EXPECT_EQ(displayWidth(std::string_view("a\xff")), 2u);  // a byte that is no UTF-8 is U+FFFD
+}
+
 }  // namespace
 }  // namespace melodex

@@ -206,6 +206,28 @@ void insertAtCodePoint(String& text, std::size_t index, std::string_view inserti
     text.insert(codePointToByteOffset(text, index), insertion);
 }
 
+// --- Display cells ---------------------------------------------------------
+
+int displayWidth(char32_t codePoint) {
+    if (codePoint >= 0x20 && codePoint < 0x7F) return 1;
+    if (codePoint > 0x10FFFF) return 1;
+    return utf8proc_charwidth(utf8proc_int32_t(codePoint));
+}
+
+std::size_t displayWidth(std::string_view text) {
+    std::size_t cells = 0;
+    for (std::size_t pos = 0; pos < text.size();) {
+        const auto c = static_cast<unsigned char>(text[pos]);
+        if (c >= 0x20 && c < 0x7F) {
+            ++cells;
+            ++pos;
+        } else {
+            cells += std::size_t(displayWidth(decodeUtf8(text, pos)));
+        }
+    }
+    return cells;
+}
+
 // --- Case ------------------------------------------------------------------
 
 char32_t foldCase(char32_t codePoint) {
