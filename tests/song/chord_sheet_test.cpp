@@ -82,7 +82,7 @@ TEST(ChordSheetTest, TheCallerMaySpellTheChordsAndChooseTheRunningOrder) {
 // The sheets under opensong/ show information, sections, chords over lines
 // without words and an empty section.
 TEST(ChordSheetTest, ASongShowsItsInformationThenEachSection) {
-    for (const String name : {"amazing_grace", "a_mighty_fortress"}) {
+    for (const String name : {"amazing_grace", "a_mighty_fortress", "wsrod_nocnej_ciszy"}) {
         Song song;
         ASSERT_EQ(song.loadFromFile(test::testDataPath("opensong/" + name)), StatusSuccess);
         EXPECT_EQ(chordSheet(song, 2), test::goldenText("opensong/" + name + ".sheet"));

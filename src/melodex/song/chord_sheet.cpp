@@ -82,6 +82,9 @@ ChordSheetLine layOutLine(const SongLine& line, const ChordSheetOptions& options
         anyChord = true;
     }
     copyWordsUpTo(std::size_t(-1));
+    // Blanks that held chords past the end of the words are not words.
+    while (!out.words.empty() && out.words.back() == ' ')
+        out.words.pop_back();
     return out;
 }
 

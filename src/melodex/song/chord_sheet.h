@@ -58,8 +58,9 @@ struct ChordSheetOptions {
     String sequence;
 };
 
-// One lyric line laid out: the chord line (no trailing blanks; empty when
-// the line has no chords) and the words, widened where chords need room.
+// One lyric line laid out: the chord line (empty when the line has no
+// chords) and the words, widened where chords need room; neither has
+// trailing blanks.
 struct ChordSheetLine {
     String chords;
     String words;

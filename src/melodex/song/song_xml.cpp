@@ -285,9 +285,12 @@ Status Song::loadFromXmlNode(const XmlNode& song) {
             // OpenSong keeps the song's information directly in the song
             // element. The running order in "presentation" is not taken:
             // its names need not match the ids given here, so the sequence
-            // stays automatic.
+            // stays automatic. "style", like "background", holds display
+            // settings (fonts, and the word "author" for a subtitle), no
+            // song data.
             if (name == "ccli" || name == "presentation" || name == "background" ||
-                name == "user1" || name == "user2" || name == "user3" || name == "key_line") {
+                name == "style" || name == "user1" || name == "user2" || name == "user3" ||
+                name == "key_line") {
                 continue;
             }
             if (name == "aka") {
