@@ -213,8 +213,10 @@ public:
     [[nodiscard]] Status loadFromXmlSet(const XmlNode& set);
 
     // Read the plain-text layout into the song without clearing it first.
-    // The file form gives 0 or the errno value of a file that cannot be read;
-    // the string form always gives 0.
+    // A text that begins with the "<uuid>...</uuid><updated>...</updated>"
+    // that saveToText writes gives the song that uuid and time, and its
+    // first lyric line starts after it. The file form gives 0 or the errno
+    // value of a file that cannot be read; the string form always gives 0.
     [[nodiscard]] Status loadFromTextFile(std::string_view path);
     [[nodiscard]] Status loadFromTextString(std::string_view text);
 
