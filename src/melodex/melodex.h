@@ -37,6 +37,7 @@
 #include "melodex/library/song_database.h"
 #include "melodex/library/song_db_file_entry.h"
 #include "melodex/library/song_db_text_entry.h"
+#include "melodex/library/song_search.h"
 #include "melodex/library/song_set.h"
 #include "melodex/library/song_set_entry.h"
 #include "melodex/app/app_config.h"

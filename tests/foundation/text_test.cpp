@@ -188,5 +188,13 @@ TEST(TextTest, CountsDisplayCells) {
     EXPECT_EQ(displayWidth(std::string_view("a\xff")), 2u);  // a byte that is no UTF-8 is U+FFFD
 }
 
+TEST(TextTest, TellsLettersAndDigitsOfAnyScript) {
+    for (char32_t c : {U'a', U'Z', U'7', U'ł', U'ß', U'Й', U'奇', U'٣', U'ⅷ'})
+        EXPECT_TRUE(isLetterOrDigit(c)) << std::uint32_t(c);
+    for (char32_t c :
+         {U' ', U'\'', U'-', U'!', U'¿', U'…', U'\u0301', U'\u2060', U'€', char32_t(0x110000)})
+        EXPECT_FALSE(isLetterOrDigit(c)) << std::uint32_t(c);
+}
+
 }  // namespace
 }  // namespace melodex

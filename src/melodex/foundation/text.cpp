@@ -206,6 +206,29 @@ void insertAtCodePoint(String& text, std::size_t index, std::string_view inserti
     text.insert(codePointToByteOffset(text, index), insertion);
 }
 
+// --- Character properties --------------------------------------------------
+
+bool isLetterOrDigit(char32_t codePoint) {
+    if (codePoint < 0x80) {
+        return (codePoint >= 'a' && codePoint <= 'z') || (codePoint >= 'A' && codePoint <= 'Z') ||
+               (codePoint >= '0' && codePoint <= '9');
+    }
+    if (codePoint > 0x10FFFF) return false;
+    switch (utf8proc_category(utf8proc_int32_t(codePoint))) {
+        case UTF8PROC_CATEGORY_LU:
+        case UTF8PROC_CATEGORY_LL:
+        case UTF8PROC_CATEGORY_LT:
+        case UTF8PROC_CATEGORY_LM:
+        case UTF8PROC_CATEGORY_LO:
+        case UTF8PROC_CATEGORY_ND:
+        case UTF8PROC_CATEGORY_NL:
+        case UTF8PROC_CATEGORY_NO:
+            return true;
+        default:
+            return false;
+    }
+}
+
 // --- Display cells ---------------------------------------------------------
 
 int displayWidth(char32_t codePoint) {

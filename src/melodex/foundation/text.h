@@ -67,6 +67,12 @@ String codePointSubstring(std::string_view text, std::size_t start,
 // the end appends.
 void insertAtCodePoint(String& text, std::size_t index, std::string_view insertion);
 
+// --- Character properties --------------------------------------------------
+
+// True for letters and digits of any script (Unicode categories L and N):
+// what a search compares, as against punctuation, symbols and blanks.
+bool isLetterOrDigit(char32_t codePoint);
+
 // --- Display cells ---------------------------------------------------------
 
 // The terminal cells a code point takes in a monospaced display, by
