@@ -28,6 +28,7 @@
 #include "melodex/song/chord_sheet.h"
 #include "melodex/song/opensong_lyrics.h"
 #include "melodex/song/song.h"
+#include "melodex/song/song_conversion.h"
 #include "melodex/song/song_line.h"
 #include "melodex/song/song_section.h"
 #include "melodex/song/vocabulary.h"

@@ -177,9 +177,13 @@ public:
     // takes back: only 1, 2 and 3 are meant for writing.
     String saveToText(int fileType, bool withHeader);
 
-    // Writes saveToText(fileType, true) to `path` atomically: type 3 in
-    // UTF-16 LE with BOM, the others in UTF-8; types 2 and 3 with CR LF line
-    // ends. 0, or the errno value when the file cannot be written.
+    // The bytes of the file saveToFile writes: saveToText(fileType, true),
+    // type 3 in UTF-16 LE with BOM, the others in UTF-8; types 2 and 3 with
+    // CR LF line ends. For writing anywhere else (standard output).
+    std::string saveToBytes(int fileType);
+
+    // Writes saveToBytes(fileType) to `path` atomically. 0, or the errno
+    // value when the file cannot be written.
     [[nodiscard]] Status saveToFile(std::string_view path, int fileType);
 
     // Clears the song and reads `path` as XML, else as plain text; the path

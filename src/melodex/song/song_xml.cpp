@@ -7,6 +7,7 @@
 #include <string>
 
 #include "melodex/foundation/file_system.h"
+#include "melodex/foundation/text_encoding.h"
 #include "melodex/foundation/text_file.h"
 #include "melodex/foundation/xml.h"
 #include "melodex/song/opensong_lyrics.h"
@@ -177,18 +178,19 @@ String Song::saveToText(int fileType, bool withHeader) {
     return out;
 }
 
-Status Song::saveToFile(std::string_view path, int fileType) {
-    TextFile file;
-    const auto encoding =
-        fileType == SongFileType::Sng ? TextFile::Encoding::Unicode : TextFile::Encoding::Default;
-    if (const Status status = file.open(path, TextFile::Mode::Write, encoding);
-        status != StatusSuccess) {
-        return status;
-    }
+std::string Song::saveToBytes(int fileType) {
     String text = saveToText(fileType, true);
     if (fileType == SongFileType::Text || fileType == SongFileType::Sng)
         text = replaceAll(text, "\n", "\r\n");
-    file.write(text);
+    if (fileType == SongFileType::Sng) return encodeUtf16LE(text, true);
+    return text;
+}
+
+Status Song::saveToFile(std::string_view path, int fileType) {
+    TextFile file;
+    if (const Status status = file.open(path, TextFile::Mode::Write); status != StatusSuccess)
+        return status;
+    file.write(saveToBytes(fileType));
     return file.close();
 }
 
