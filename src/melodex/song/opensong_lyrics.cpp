@@ -217,20 +217,30 @@ std::optional<SongChord> readChord(std::string_view token, bool central,
     return SongChord(symbol);
 }
 
+// The columns a character takes in a monospaced editor, where authors line
+// chords up with letters: two for a wide East Asian character, none for a
+// combining mark, one for a tab as for any other character.
+std::size_t columnsOf(char32_t c) {
+    if ((c >= U' ' && c < 0x7F) || c == U'\t') return 1;
+    return std::size_t(displayWidth(c));
+}
+
 // The blank-separated tokens of a chord row after its marker, with the
-// column (code point) each starts at.
+// column each starts at.
 template <typename Visit>
 void forEachChordToken(std::u32string_view row, Visit visit) {
-    std::size_t column = 1;
-    while (column < row.size()) {
-        if (isBlankCharacter(row[column])) {
-            ++column;
+    std::size_t i = 1;
+    std::size_t column = row.empty() ? 0 : columnsOf(row[0]);
+    while (i < row.size()) {
+        if (isBlankCharacter(row[i])) {
+            column += columnsOf(row[i++]);
             continue;
         }
-        const std::size_t start = column;
-        while (column < row.size() && !isBlankCharacter(row[column]))
-            ++column;
-        visit(start, encode(row.substr(start, column - start)));
+        const std::size_t start = i;
+        const std::size_t startColumn = column;
+        while (i < row.size() && !isBlankCharacter(row[i]))
+            column += columnsOf(row[i++]);
+        visit(startColumn, encode(row.substr(start, i - start)));
     }
 }
 
@@ -416,36 +426,43 @@ void Reader::readLyricRow(std::u32string_view lyric, int verse, int markerWidth)
         if (always || !piece.isBlank() || !piece.chords.empty()) addRow(verse, std::move(piece));
         piece = ChordedText();
     };
-    const auto ownChord = [&](std::size_t column) -> std::optional<SongChord> {
-        if (next < chords.size() && std::size_t(chords[next].position) <= column)
+    // The chord that stands before column `end`, over the character that
+    // ends there.
+    const auto ownChord = [&](std::size_t end) -> std::optional<SongChord> {
+        if (next < chords.size() && std::size_t(chords[next].position) < end)
             return std::move(chords[next++].chord);
         return std::nullopt;
     };
-    const auto remove = [&](std::size_t column, char32_t slot) {
-        if (std::optional<SongChord> chord = ownChord(column))
+    std::size_t column = 0;  // the first column of the character read
+    const auto remove = [&](char32_t slot) {
+        if (std::optional<SongChord> chord = ownChord(column + 1))
             waiting.push_back({column, slot, std::move(*chord)});
+        column += 1;
     };
 
     for (std::size_t i = 0; i < lyric.size(); ++i) {
         const char32_t c = lyric[i];
         if (c == U'|' && i + 1 < lyric.size() && lyric[i + 1] == U'|') {
-            remove(i, U' ');  // a slide break: nothing to show
-            remove(++i, U' ');
+            remove(U' ');  // a slide break: nothing to show
+            remove(U' ');
+            ++i;
         } else if (c == U'|') {
             // A line break: the text before the first "|" is a line when it
             // holds anything, and every "|" starts a line, empty or not, as
             // other programs that read these files show it.
             finishPiece(brokenRow);
             brokenRow = true;
-            pieceStart = i;
-            remove(i, U' ');  // a chord over the bar starts the next line
+            pieceStart = column;
+            remove(U' ');  // a chord over the bar starts the next line
         } else if (c == U'_') {
-            remove(i, WordJoiner);
+            remove(WordJoiner);
         } else if (isBlankCharacter(c) &&
                    (piece.text.empty() || isBlankCharacter(piece.text.back()))) {
-            remove(i, U' ');
+            remove(U' ');
         } else {
-            keep(c, ownChord(i));
+            const std::size_t end = column + columnsOf(c);
+            keep(c, ownChord(end));
+            column = end;
         }
     }
     // Chords past the end of the row wait at its end too.

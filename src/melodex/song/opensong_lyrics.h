@@ -17,7 +17,10 @@
 //         song.addSection(section.release());
 //
 // Column 0 holds the marker (".", the blank, the digit), so a chord at column
-// c stands over offset c - 1 of the lyric. Offsets count code points.
+// c stands over the lyric's character at column c - 1. Columns are those of
+// the monospaced editor where the author lined chords up with letters: a
+// wide East Asian character takes two, a combining mark none. The chords'
+// offsets in the song count code points, as everywhere.
 //
 // Authors line words up under chords with blanks and with "_" joiners
 // ("A______ma________zing"); neither is lyric text. A run of blanks becomes
