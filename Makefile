@@ -2,10 +2,14 @@
 #   make run    installs what is missing, builds, and runs the main job
 #   make test   installs what is missing, builds and runs every test (dev and asan)
 
-MELODEX := build/release/tools/melodex/melodex
-EXAMPLE := build/release/examples/melodex_example
+MELODEX := build/run/tools/melodex/melodex
+EXAMPLE := build/run/examples/melodex_example
+# The main job's own data folder, inside the build tree: make run never
+# touches your song library. Point the program at your own with
+# "melodex --data DIR ..." or leave --data out for the configured folders.
+DEMO := build/run/demo-data
 
-.PHONY: all run test test-dev test-asan bootstrap release bench format clean
+.PHONY: all run test test-dev test-asan bootstrap release run-build bench format clean
 
 all: release
 
@@ -16,22 +20,32 @@ release: bootstrap
 	cmake --preset release
 	cmake --build --preset release
 
-# The main job: import the sample hymns into the song library of the
-# configured data folder (~/.local/share/Cantorix unless the settings say
-# otherwise), list the library and show a song with its chords. A second run
-# finds every sample already imported and says so.
-run: release
+# Only what the main job runs: the programs and the example, no tests and no
+# benchmarks.
+run-build: bootstrap
+	cmake --preset run
+	cmake --build --preset run
+
+# The main job: import the sample hymns into a demo song library, list it,
+# show a song with its chords and the sample set. A second run finds every
+# sample already imported and says so.
+run: run-build
 	@$(MELODEX) --version
-	@echo; echo "== Importing samples/ into the song library"
-	@$(MELODEX) library import samples
+	@echo; echo "== Importing samples/ into the demo library in $(DEMO)"
+	@$(MELODEX) --data $(DEMO) library import samples
 	@echo; echo "== The library"
-	@$(MELODEX) library list
+	@$(MELODEX) --data $(DEMO) library list
 	@echo; echo "== A song with its chords"
-	@$(MELODEX) library show "Amazing Grace"
+	@$(MELODEX) --data $(DEMO) library show "Amazing Grace"
 	@echo; echo "== The sample service"
-	@$(MELODEX) set show "samples/Sunday Service.set"
+	@$(MELODEX) --data $(DEMO) set show "samples/Sunday Service.set"
 	@echo; echo "== A tour of the library's classes (examples/example.cpp)"
 	@$(EXAMPLE) examples/data/hymn.ini examples/data/lines-utf16.txt
+	@echo; echo "== The sample Bible (samples/bible), installed once, and a passage"
+	@$(MELODEX) --data $(DEMO) bible show "King James Version" "Gen 1:1" >/dev/null 2>&1 || \
+		$(MELODEX) --data $(DEMO) bible import "samples/bible/King James Version"
+	@$(MELODEX) --data $(DEMO) bible list
+	@$(MELODEX) --data $(DEMO) bible show "King James Version" "John 3:16-18; Jude 3"
 
 test: test-dev test-asan
 

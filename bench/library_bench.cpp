@@ -17,6 +17,7 @@
 
 #include "melodex/foundation/file_system.h"
 #include "melodex/library/song_database.h"
+#include "melodex/library/song_import.h"
 #include "melodex/song/song.h"
 
 namespace {
@@ -275,6 +276,33 @@ void BM_ImportOpenSongFolder(benchmark::State& state) {
     state.SetBytesProcessed(std::int64_t(state.iterations() * Corpus::get().openSongBytes()));
 }
 BENCHMARK(BM_ImportOpenSongFolder)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
+
+// What "melodex library import FOLDER" does: the import rules (songs by
+// content, duplicates by uuid or by title and lyrics, the report) and the
+// index saved at the end, under the library's lock.
+void BM_SongImportOfOpenSongFolder(benchmark::State& state) {
+    const String source = Corpus::get().openSongFolder();
+    int run = 0;
+    for (auto _ : state) {
+        const String database =
+            Corpus::get().scratch("SongImport " + std::to_string(++run) + "/Song Database");
+        SongDatabase db;
+        db.setDatabaseFolder(database);
+        db.setHostName("BENCH");
+        db.open();
+        const auto start = Clock::now();
+        const SongImport::Report report = SongImport(db).run({source});
+        state.SetIterationTime(secondsSince(start));
+        if (int(report.imported.size()) != OpenSongFiles || report.hasFailures())
+            state.SkipWithError("not imported");
+        db.close();
+    }
+    state.SetBytesProcessed(std::int64_t(state.iterations() * Corpus::get().openSongBytes()));
+}
+BENCHMARK(BM_SongImportOfOpenSongFolder)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3);
 
 // Text entries can only be made by the library; a database of the bench's
 // own adds them unsorted.

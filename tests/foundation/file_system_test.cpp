@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <set>
 #include <string>
 
 #include <fcntl.h>
@@ -15,6 +16,7 @@
 
 #include "melodex/foundation/status.h"
 #include "support/temp_folder.h"
+#include "support/unprivileged.h"
 
 namespace melodex {
 namespace {
@@ -147,8 +149,117 @@ TEST(FileSystemTest, WritesFilesAtomicallyOrNotAtAll) {
     EXPECT_EQ(namesIn(folder.file("sub")), StringArray{"kept.song"});
 }
 
+TEST(FileSystemTest, ReplacesWhatLinksPointAtAndNothingButRegularFiles) {
+    test::TempFolder folder;
+    const String target = folder.write("songs/target.song", "old");
+    ASSERT_EQ(::chmod(target.c_str(), 0604), 0);
+    // A chain of links, relative and absolute: the final file is replaced,
+    // every link stays a link, and the file keeps its mode.
+    ASSERT_EQ(::symlink("songs/target.song", folder.file("link.song").c_str()), 0);
+    ASSERT_EQ(::symlink(folder.file("link.song").c_str(), folder.file("link2.song").c_str()), 0);
+    ASSERT_EQ(writeFileAtomically(folder.file("link2.song"), "new"), StatusSuccess);
+    EXPECT_EQ(folder.read(target), "new");
+    struct stat info {};
+    for (const char* link : {"link.song", "link2.song"}) {
+        ASSERT_EQ(::lstat(folder.file(link).c_str(), &info), 0);
+        EXPECT_TRUE(S_ISLNK(info.st_mode)) << link;
+    }
+    EXPECT_EQ(modeOf(target), mode_t(0604));
+    // A dangling link gets its target made; a loop of links is refused.
+    ASSERT_EQ(::symlink("made.song", folder.file("dangling.song").c_str()), 0);
+    ASSERT_EQ(writeFileAtomically(folder.file("dangling.song"), "made"), StatusSuccess);
+    EXPECT_EQ(folder.read("made.song"), "made");
+    ASSERT_EQ(::symlink("loop.song", folder.file("loop.song").c_str()), 0);
+    EXPECT_EQ(writeFileAtomically(folder.file("loop.song"), "x"), Status(ELOOP));
+
+    // A FIFO, a folder and a link to a folder are never replaced.
+    const String fifo = folder.file("pipe");
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    ASSERT_EQ(::symlink("songs", folder.file("to-folder").c_str()), 0);
+    for (const String& path : {fifo, folder.file("songs"), folder.file("to-folder")})
+        EXPECT_EQ(writeFileAtomically(path, "x"), StatusNotRegularFile) << path;
+    ASSERT_EQ(::lstat(fifo.c_str(), &info), 0);
+    EXPECT_TRUE(S_ISFIFO(info.st_mode));
+    EXPECT_EQ(namesIn(folder.file("songs")), StringArray{"target.song"});
+
+    // A hard-linked file is replaced under the name written; its other name
+    // keeps the old contents.
+    ASSERT_EQ(::link(target.c_str(), folder.file("hard.song").c_str()), 0);
+    ASSERT_EQ(writeFileAtomically(target, "newer"), StatusSuccess);
+    EXPECT_EQ(folder.read("hard.song"), "new");
+
+    // Creating refuses a name that is taken, even by a link.
+    EXPECT_EQ(writeFileAtomically(target, "x", WriteMode::CreateNew), Status(EEXIST));
+    EXPECT_EQ(writeFileAtomically(folder.file("link.song"), "x", WriteMode::CreateNew),
+              Status(EEXIST));
+    EXPECT_EQ(folder.read(target), "newer");
+    ASSERT_EQ(writeFileAtomically(folder.file("fresh.song"), "x", WriteMode::CreateNew),
+              StatusSuccess);
+    EXPECT_EQ(folder.read("fresh.song"), "x");
+}
+
+TEST(FileSystemTest, KeepsTheOwnerAndRefusesAReadOnlyFolder) {
+    test::TempFolder folder;
+    ASSERT_EQ(::chmod(folder.path().c_str(), 0755), 0);
+    const String readOnly = folder.file("read-only"), kept = folder.write("read-only/kept.song", "kept");
+    ASSERT_EQ(::chmod(readOnly.c_str(), 0555), 0);
+    const int result = test::asUnprivileged([&] {
+        const Status status = writeFileAtomically(kept, "changed");
+        return status == Status(EACCES) ? 0 : 1;
+    });
+    EXPECT_EQ(result, 0) << "a read-only folder refuses the write";
+    EXPECT_EQ(folder.read(kept), "kept");
+    EXPECT_EQ(namesIn(readOnly), StringArray{"kept.song"}) << "no temporary file left";
+
+    // The super-user writing another user's file leaves it that user's.
+    if (::geteuid() == 0) {
+        const String theirs = folder.write("theirs.song", "theirs");
+        ASSERT_EQ(::chown(theirs.c_str(), 65534, 65534), 0);
+        ASSERT_EQ(writeFileAtomically(theirs, "edited"), StatusSuccess);
+        struct stat info {};
+        ASSERT_EQ(::stat(theirs.c_str(), &info), 0);
+        EXPECT_EQ(info.st_uid, uid_t(65534));
+        EXPECT_EQ(info.st_gid, gid_t(65534));
+    }
+}
+
+TEST(FileSystemTest, WalksFoldersOnceAndReportsWhatItCannotRead) {
+    test::TempFolder folder;
+    folder.write("top/a.song", "");
+    folder.write("top/.hidden/b.song", "");
+    folder.write("top/deep/er/c.song", "");
+    ASSERT_EQ(::symlink(folder.file("top/deep").c_str(), folder.file("top/again").c_str()), 0);
+    StringArray files, unreadable;
+    FolderWalk walk;
+    walk.skipHidden = true;
+    walk.file = [&](const String& path, const String&) { files.push_back(relativePath(path, folder.path())); };
+    walk.unreadable = [&](const String& path, Status) { unreadable.push_back(path); };
+    std::set<String> visited;
+    walkFolder(folder.file("top"), walk, visited);
+    walkFolder(folder.file("top/deep"), walk, visited);  // walked already
+    EXPECT_EQ(files, (StringArray{"top/a.song", "top/again/er/c.song"}));
+    walkFolder(folder.file("missing"), walk, visited);
+    EXPECT_EQ(unreadable, StringArray{folder.file("missing")});
+
+    String bytes = "before";
+    EXPECT_EQ(readFileBytes(folder.write("big", std::string(100, 'x')), bytes, 99), Status(EFBIG));
+    EXPECT_EQ(bytes, "before");
+    EXPECT_EQ(readFileBytes(folder.file("big"), bytes, 100), StatusSuccess);
+    EXPECT_EQ(bytes.size(), 100u);
+}
+
 TEST(FileSystemTest, DescribesStatuses) {
     EXPECT_EQ(statusMessage(Status(ENOENT)), std::strerror(ENOENT));
+    FileError error;
+    EXPECT_FALSE(error);
+    EXPECT_EQ(error.message(), "");
+    error.record(FileError::Action::Write, "/a", StatusSuccess);
+    EXPECT_FALSE(error) << "a success is not a failure";
+    error.record(FileError::Action::Write, "/data/songdb-PC.ini", Status(EACCES));
+    error.record(FileError::Action::Remove, "/b", Status(ENOENT));
+    EXPECT_EQ(error.message(),
+              "cannot write \"/data/songdb-PC.ini\": " + String(std::strerror(EACCES)))
+        << "the first failure is kept";
     const String xml = statusMessage(StatusXmlBase + 1), failed = statusMessage(StatusFailed);
     EXPECT_FALSE(xml.empty() || failed.empty() || statusMessage(0xDEADBEEF).empty());
     EXPECT_TRUE(xml != failed && xml != statusMessage(StatusXmlBase + 2));

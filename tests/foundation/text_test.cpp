@@ -167,7 +167,7 @@ TEST(TextTest, FoldsForSearchAcrossCaseAccentsAndTypography) {
         EXPECT_EQ(foldForSearch(text), expected) << text;
     // Bytes that are not UTF-8 become U+FFFD rather than vanishing or
     // breaking the text around them.
-    EXPECT_EQ(foldForSearch("A\xff\xc3" "B"), "a\uFFFD\uFFFDb");
+    EXPECT_EQ(foldForSearch(String("A\xff\xc3") + "B"), "a\uFFFD\uFFFDb");
     EXPECT_EQ(foldForSearch(""), "");
 }
 

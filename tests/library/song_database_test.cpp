@@ -3,9 +3,13 @@
 #include <chrono>
 #include <filesystem>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 
 #include "library_fixture.h"
+#include "support/unprivileged.h"
 
 namespace melodex {
 namespace {
@@ -265,6 +269,155 @@ TEST_F(SongDatabaseTest, ImportFolderGoesToAnyDepthOnceAndReportsEachFile) {
     m_db.selectAndImportFolder();
     EXPECT_EQ(m_dialogs.requests().at(0).folder.title, "Select Folder for Import");
     EXPECT_EQ(readIndex().getKeyCount(), 4) << "the command saves";
+}
+
+TEST_F(SongDatabaseTest, IndexSectionsAreNamedByTheirSongsUuid) {
+    // A section named otherwise, whose name is the uuid of a song the scan
+    // adds, used to be deleted by that scan; the next open then saw other data.
+    writeSong("db/Song Files/A.song", "A", {"First"}, "uuid-a");
+    writeSong("db/Song Files/B.song", "B", {"Second"}, "odd-name");
+    m_folder.write(indexFile(), "[odd-name]\nfilename=A.song\nuuid=uuid-a\ntitle=A\n");
+    m_db.open();
+    ASSERT_EQ(m_db.getFileCount(), 2);
+    m_db.close();
+    const IniFile index = readIndex();
+    ASSERT_EQ(index.getKeyCount(), 2);
+    EXPECT_EQ(index.findKey("uuid-a")->getString("filename"), "A.song");
+    EXPECT_EQ(index.findKey("odd-name")->getString("filename"), "B.song");
+    const String saved = m_folder.read(indexFile());
+    m_db.open();
+    EXPECT_FALSE(m_db.changed());
+    m_db.close();
+    EXPECT_EQ(m_folder.read(indexFile()), saved);
+}
+
+TEST_F(SongDatabaseTest, TwoLibrariesWorkSideBySide) {
+    SongDatabase other;
+    other.setDatabaseFolder(m_folder.file("other"));
+    other.setHostName("CHOIRPC");
+    m_db.open();
+    other.open();
+    ASSERT_NE(m_db.importFile(writeSong("in/One.song", "One", {"a"}, "one-1"), true, true), nullptr);
+    ASSERT_NE(other.importFile(writeSong("in/Two.song", "Two", {"b"}, "two-1"), true, true), nullptr);
+    EXPECT_NE(m_db.findEntryByUUID("one-1"), nullptr);
+    EXPECT_EQ(m_db.findEntryByUUID("two-1"), nullptr);
+    EXPECT_NE(other.findEntryByUUID("two-1"), nullptr);
+    EXPECT_EQ(other.findEntryByUUID("one-1"), nullptr);
+    EXPECT_EQ(songFiles(), StringArray{"One.song"});
+    EXPECT_TRUE(fileExists(m_folder.file("other/Song Files/Two.song")));
+    other.close();
+    m_db.close();
+}
+
+TEST_F(SongDatabaseTest, ChangesWaitForOtherProgramsAndTakeInWhatTheyDid) {
+    // Two objects over one folder stand for two programs sharing a library.
+    SongDatabase second;
+    second.setDatabaseFolder(m_folder.file("db"));
+    second.setHostName("CHOIRPC");
+    m_db.open();
+    second.open();
+    const String hymn = writeSong("in/Hymn.song", "Hymn", {"Line"}, "hymn-1");
+    ASSERT_NE(m_db.importFile(writeSong("in/Gone.song", "Gone", {"x"}, "gone-1"), true, true),
+              nullptr);
+
+    // While the first holds the lock, the second waits, tells so, and gives
+    // up at its limit without writing anything.
+    ASSERT_TRUE(m_db.beginChanges());
+    int notices = 0;
+    second.setLockTimeout(std::chrono::milliseconds(40));
+    second.setLockWaitNotice([&](const String&) { ++notices; });
+    EXPECT_EQ(second.importFile(hymn, true, true), nullptr);
+    EXPECT_EQ(second.lastError().status, StatusLockTimedOut);
+    EXPECT_EQ(notices, 1);
+    ASSERT_NE(m_db.importFile(hymn, false, true), nullptr);
+    m_db.endChanges();
+
+    // Once it has the lock, the second sees the first's songs: the same song
+    // is not imported twice, and the index it saves holds both.
+    second.setLockTimeout(std::chrono::seconds(5));
+    EXPECT_EQ(second.importFile(hymn, true, true), nullptr);
+    EXPECT_FALSE(second.lastError());
+    ASSERT_NE(second.findEntryByUUID("hymn-1"), nullptr);
+    second.removeEntry(second.findEntryByUUID("gone-1"), true);
+    EXPECT_EQ(readIndex().getKeyCount(), 1);
+    EXPECT_EQ(songFiles(), StringArray{"Hymn.song"});
+
+    // And the first takes in the second's removal before its next change.
+    ASSERT_TRUE(m_db.beginChanges());
+    EXPECT_EQ(m_db.findEntryByUUID("gone-1"), nullptr);
+    EXPECT_EQ(m_db.getFileCount(), 1);
+    m_db.endChanges();
+    second.close();
+    m_db.close();
+    EXPECT_EQ(readIndex().getKeyCount(), 1);
+}
+
+TEST_F(SongDatabaseTest, FailuresAreKeptForTheProgramToShow) {
+    // No folder: nothing is read or written anywhere, least of all here.
+    SongDatabase nowhere;
+    EXPECT_EQ(nowhere.open(), 0u);
+    EXPECT_EQ(nowhere.lastError().status, StatusNoFolder);
+    EXPECT_EQ(nowhere.importFile(writeSong("in/A.song", "A", {"a"}), true, true), nullptr);
+    EXPECT_EQ(nowhere.lastError().status, StatusNoFolder);
+
+    // An index that cannot be written: open and flush keep returning 0, and
+    // the reason is there to read.
+    writeSong("db/Song Files/A.song", "A", {"a"}, "a-1");
+    ASSERT_TRUE(createFolders(indexFile()));
+    EXPECT_EQ(m_db.open(), 0u);
+    EXPECT_EQ(m_db.lastError().status, StatusNotRegularFile);
+    EXPECT_EQ(m_db.lastError().path, indexFile());
+    EXPECT_EQ(m_db.flush(), 0u);
+    EXPECT_EQ(m_db.lastError().action, FileError::Action::Write);
+    EXPECT_TRUE(m_db.changed()) << "close() tries again";
+    m_db.close();
+    fs::remove(indexFile());
+
+    // A read-only library writes nothing at all, not even a lock file.
+    fs::remove(m_db.lockPath());
+    const StringArray before = songFiles();
+    SongDatabase reader;
+    reader.setDatabaseFolder(m_folder.file("db"));
+    reader.setHostName("CHOIRPC");
+    reader.setReadOnly(true);
+    reader.open();
+    EXPECT_FALSE(reader.lastError());
+    EXPECT_NE(reader.findEntryByUUID("a-1"), nullptr);
+    EXPECT_EQ(reader.importFile(writeSong("in/B.song", "B", {"b"}), true, true), nullptr);
+    EXPECT_EQ(reader.lastError().status, StatusReadOnly);
+    reader.flush();
+    reader.close();
+    EXPECT_EQ(songFiles(), before);
+    EXPECT_FALSE(fileExists(indexFile()));
+    EXPECT_FALSE(fileExists(m_db.lockPath()));
+}
+
+TEST_F(SongDatabaseTest, ARemovalThatFailsKeepsTheSong) {
+    ASSERT_EQ(::chmod(m_folder.path().c_str(), 0755), 0);
+    writeSong("db/Song Files/A.song", "A", {"a"}, "a-1");
+    m_db.open();
+    m_db.close();
+    // The user may write the library's index and lock, but not delete songs.
+    for (const String& path : {m_folder.file("db"), indexFile(), m_db.lockPath()})
+        ASSERT_EQ(::chown(path.c_str(), test::UnprivilegedId, test::UnprivilegedId), 0);
+    ASSERT_EQ(::chmod(libraryFile("").c_str(), 0555), 0);
+    const int result = test::asUnprivileged([&] {
+        SongDatabase library;
+        library.setDatabaseFolder(m_folder.file("db"));
+        library.setHostName("CHOIRPC");
+        library.open();
+        if (library.lastError()) return 1;
+        library.removeEntry(library.findEntryByUUID("a-1"), true);
+        const FileError error = library.lastError();
+        if (error.action != FileError::Action::Remove || error.status != EACCES) return 2;
+        if (library.findEntryByUUID("a-1") == nullptr) return 3;
+        library.close();
+        return 0;
+    });
+    ::chmod(libraryFile("").c_str(), 0755);
+    EXPECT_EQ(result, 0);
+    EXPECT_TRUE(fileExists(libraryFile("A.song")));
+    EXPECT_NE(readIndex().findKey("a-1"), nullptr);
 }
 
 }  // namespace

@@ -1,23 +1,22 @@
 #include "library_commands.h"
 
-#include "command_line.h"
-
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <memory>
-#include <set>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include <fmt/core.h>
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
+#include "command_line.h"
 #include "melodex/app/song_config.h"
 #include "melodex/foundation/file_system.h"
 #include "melodex/library/song_database.h"
+#include "melodex/library/song_import.h"
 #include "melodex/song/chord_sheet.h"
 #include "melodex/song/song.h"
 
@@ -25,146 +24,156 @@ namespace melodex::cli {
 
 namespace {
 
+// The widest listing that fits a terminal of 80 columns without wrapping.
+constexpr std::size_t ListingWidth = 79;
+// How much of a uuid the listing shows; show and remove take it.
+constexpr std::size_t ShortIdLength = 8;
+
 String padRight(const String& text, std::size_t width) {
     const std::size_t length = codePointLength(text);
     return length >= width ? text : text + String(width - length, ' ');
 }
 
-// --- import ------------------------------------------------------------------------
-
-bool sameLyrics(const Song& a, const Song& b) {
-    if (a.getSectionCount() != b.getSectionCount()) return false;
-    for (int s = 0; s < a.getSectionCount(); ++s) {
-        const SongSection& left = *a.getSection(s);
-        const SongSection& right = *b.getSection(s);
-        if (left.getLineCount() != right.getLineCount()) return false;
-        for (int l = 0; l < left.getLineCount(); ++l) {
-            if (strip(left.getLine(l)->text()) != strip(right.getLine(l)->text())) return false;
-        }
-    }
-    return true;
+// The text cut to `width` characters, with "..." where it was cut.
+String fitTo(const String& text, std::size_t width) {
+    if (codePointLength(text) <= width) return text;
+    if (width <= 3) return codePointSubstring(text, 0, width);
+    return codePointSubstring(text, 0, width - 3) + "...";
 }
 
-// The library's songs by listed title (case-folded), to find a song that is
-// already in the library under another uuid or none.
-class TitleIndex {
-public:
-    TitleIndex() {
-        for (SongDBFileEntry* file : theSongDB.files())
-            add(file);
-    }
+void printJson(const nlohmann::json& json) {
+    fmt::print("{}\n", json.dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
+}
 
-    void add(SongDBFileEntry* file) { m_byTitle[foldCase(listedTitle(*file))].push_back(file); }
+nlohmann::json songJson(const SongDBFileEntry& file) {
+    return {{"uuid", file.uuid()},
+            {"title", file.listedTitle()},
+            {"key", file.key()},
+            {"author", file.author()},
+            {"tempo", file.tempo()},
+            {"file", file.filename()},
+            {"categories", file.categories()}};
+}
 
-    bool contains(const Song& song) const {
-        const auto it = m_byTitle.find(foldCase(listedTitle(song)));
-        if (it == m_byTitle.end()) return false;
-        return std::any_of(it->second.begin(), it->second.end(), [&song](SongDBFileEntry* file) {
-            return sameLyrics(*file->song(), song);
-        });
-    }
-
-private:
-    std::unordered_map<String, std::vector<SongDBFileEntry*>> m_byTitle;
-};
+// --- import ------------------------------------------------------------------------
 
 struct ImportOptions {
     std::vector<std::string> paths;
+    bool verbose = false;
 };
 
-void importSongs(const ImportOptions& options) {
-    StringArray files;
-    std::set<String> visited;
-    int failed = 0;
-    for (const std::string& path : options.paths) {
-        if (folderExists(path)) {
-            SongDatabase::listImportableFiles(path, files, visited);
-        } else if (fileExists(path)) {
-            files.push_back(path);
-        } else {
-            fmt::print(stderr, "melodex: no such file or folder: {}\n", path);
-            ++failed;
-        }
-    }
-
-    OpenLibrary library;
-    TitleIndex titles;
-    const bool terminal = ::isatty(::fileno(stdout)) != 0;
-    int imported = 0;
-    int already = 0;
-    for (std::size_t i = 0; i < files.size(); ++i) {
-        const String& path = files[i];
-        if (terminal) {
-            // One line, rewritten in place.
-            fmt::print("\rImporting {}/{}: {}\x1b[K", i + 1, files.size(), fileNameOf(path));
-            std::fflush(stdout);
-        }
-        Song song;
-        if (song.loadFromFile(path) != StatusSuccess || !SongDBFileEntry::isSong(song)) {
-            if (terminal) fmt::print("\r\x1b[K");
-            fmt::print(stderr, "melodex: not a song file: {}\n", path);
-            ++failed;
-            continue;
-        }
-        if (theSongDB.holdsSong(song) || titles.contains(song)) {
-            ++already;
-            continue;
-        }
-        SongDBFileEntry* entry = theSongDB.importSong(song, path, false, true);
-        if (!entry) {
-            if (terminal) fmt::print("\r\x1b[K");
-            fmt::print(stderr, "melodex: cannot write {} into {}\n", path,
-                       theSongDB.songFilesFolder());
-            ++failed;
-            continue;
-        }
-        titles.add(entry);
-        ++imported;
-    }
-    if (terminal && !files.empty()) fmt::print("\r\x1b[K");
-    fmt::print("Imported {} song{}; {} already in the library\n", imported,
-               imported == 1 ? "" : "s", already);
-    if (failed > 0) throw CLI::RuntimeError(1);
+// A song read from standard input has no path.
+String shownPath(const SongImport::Skipped& skipped) {
+    return skipped.path.empty() ? String("standard input") : skipped.path;
 }
+
+void printSkipped(const SongImport::Skipped& skipped) {
+    fmt::print(stderr, "  {}: {}\n", shownPath(skipped), skipped.describe());
+}
+
+void importSongs(const ImportOptions& options) {
+    OpenLibrary library(LibraryAccess::Write);
+    SongImport import(theSongDB);
+    // Progress only where someone watches it, on one line rewritten in place.
+    const bool terminal = ::isatty(::fileno(stderr)) != 0;
+    if (terminal) {
+        import.setProgress([](int number, int total, const String& path) {
+            fmt::print(stderr, "\rImporting {}/{}: {}\x1b[K", number, total,
+                       fitTo(fileNameOf(path), 50));
+    });
+}
+StringArray paths;
+for (const std::string& path : options.paths) {
+    // "-": one song from standard input, plain text too; with no file
+    // name to go by, it is listed under its first line.
+    if (isStandardStream(path)) {
+        import.addText({}, readInput(path));
+    } else {
+        paths.push_back(path);
+    }
+}
+const SongImport::Report report = import.run(paths);
+if (terminal && report.found > 0) fmt::print(stderr, "\r\x1b[K");
+
+for (const SongImport::Skipped& failed : report.failed)
+    fmt::print(stderr, "melodex: {}: {}\n", shownPath(failed), failed.describe());
+if (report.indexError) fmt::print(stderr, "melodex: {}\n", report.indexError.message());
+if (options.verbose) {
+    if (!report.already.empty()) fmt::print(stderr, "Already in the library:\n");
+    for (const SongImport::Skipped& skipped : report.already)
+        printSkipped(skipped);
+    if (!report.skipped.empty()) fmt::print(stderr, "Not song files:\n");
+    for (const SongImport::Skipped& skipped : report.skipped)
+        printSkipped(skipped);
+}
+
+const std::size_t imported = report.imported.size();
+String summary = fmt::format("Imported {} song{}; {} already in the library", imported,
+                             imported == 1 ? "" : "s", report.already.size());
+if (!report.skipped.empty()) {
+    summary += fmt::format("; {} other file{} skipped{}", report.skipped.size(),
+                           report.skipped.size() == 1 ? "" : "s",
+                           options.verbose ? "" : " (--verbose lists them)");
+}
+if (!report.failed.empty()) summary += fmt::format("; {} failed", report.failed.size());
+fmt::print("{}\n", summary);
+if (report.hasFailures()) throw CLI::RuntimeError(ExitFailed);
+}  // namespace
 
 // --- list, search, show, remove ------------------------------------------------------
 
-void listSongs() {
-    OpenLibrary library;
-    struct Row {
-        String title, key, author, uuid;
-    };
-    std::vector<Row> rows;
-    for (SongDBFileEntry* file : theSongDB.files())
-        rows.push_back({listedTitle(*file), file->key(), file->author(), file->uuid()});
-    std::stable_sort(rows.begin(), rows.end(), [](const Row& a, const Row& b) {
-        return compareIgnoreCase(a.title, b.title) < 0;
+struct ListOptions {
+    bool json = false;
+};
+
+void listSongs(const ListOptions& options) {
+    OpenLibrary library(LibraryAccess::Read);
+    std::vector<SongDBFileEntry*> files(theSongDB.files().begin(), theSongDB.files().end());
+    std::vector<String> titles;
+    std::stable_sort(files.begin(), files.end(), [](SongDBFileEntry* a, SongDBFileEntry* b) {
+        return compareIgnoreCase(a->listedTitle(), b->listedTitle()) < 0;
     });
-    std::size_t titleWidth = 5, keyWidth = 3, authorWidth = 6;
-    for (const Row& row : rows) {
-        titleWidth = std::max(titleWidth, codePointLength(row.title));
-        keyWidth = std::max(keyWidth, codePointLength(row.key));
-        authorWidth = std::max(authorWidth, codePointLength(row.author));
+    if (options.json) {
+        nlohmann::json songs = nlohmann::json::array();
+        for (SongDBFileEntry* file : files)
+            songs.push_back(songJson(*file));
+        printJson(songs);
+        return;
     }
-    authorWidth = std::min<std::size_t>(authorWidth, 40);
-    auto print = [&](const Row& row) {
-        String author = row.author;
-        if (codePointLength(author) > authorWidth)
-            author = codePointSubstring(author, 0, authorWidth - 3) + "...";
-        fmt::print("{}  {}  {}  {}\n", padRight(row.title, titleWidth), padRight(row.key, keyWidth),
-                   padRight(author, authorWidth), row.uuid);
+
+    // Songs are shown by the start of their uuid, which show and remove take
+    // as well as the whole: whole uuids would leave too little of 80
+    // columns for titles. Title, key and author share the rest; the title
+    // gets the most.
+    std::size_t keyWidth = 3, authorWidth = 6, titleWidth = 5;
+    for (SongDBFileEntry* file : files) {
+        keyWidth = std::max(keyWidth, codePointLength(file->key()));
+        authorWidth = std::max(authorWidth, codePointLength(file->author()));
+        titleWidth = std::max(titleWidth, codePointLength(file->listedTitle()));
+    }
+    keyWidth = std::min<std::size_t>(keyWidth, 5);
+    const std::size_t room = ListingWidth - ShortIdLength - keyWidth - 6;
+    authorWidth = std::min(authorWidth, std::max(room / 3, room - std::min(titleWidth, room)));
+    titleWidth = std::min(titleWidth, room - authorWidth);
+    auto print = [&](const String& title, const String& key, const String& author,
+                     const String& id) {
+        const String line = padRight(fitTo(title, titleWidth), titleWidth) + "  " +
+                            padRight(fitTo(key, keyWidth), keyWidth) + "  " +
+                            padRight(fitTo(author, authorWidth), authorWidth) + "  " + id;
+        fmt::print("{}\n", strip(line, " ", StripSide::End));
     };
-    print({"TITLE", "KEY", "AUTHOR", "UUID"});
-    for (const Row& row : rows)
-        print(row);
-    fmt::print("{} song{} in {}\n", rows.size(), rows.size() == 1 ? "" : "s",
+    print("TITLE", "KEY", "AUTHOR", "ID");
+    for (SongDBFileEntry* file : files)
+        print(file->listedTitle(), file->key(), file->author(),
+              file->uuid().substr(0, ShortIdLength));
+    fmt::print("{} song{} in {}\n", files.size(), files.size() == 1 ? "" : "s",
                theSongDB.songFilesFolder());
 }
 
 void searchSongs(const std::string& text) {
-    OpenLibrary library;
+    OpenLibrary library(LibraryAccess::Read);
     const String query = foldCase(SongDBTextEntry::makeBareText(text));
-    if (query.empty()) fail("search for letters or digits, not only punctuation");
+    if (query.empty()) failUsage("search for letters or digits, not only punctuation");
     static const char* const kinds[] = {"title", "first line", "index"};
     int found = 0;
     for (const SongDBTextEntry* entry : theSongDB.entries()) {
@@ -173,25 +182,41 @@ void searchSongs(const std::string& text) {
         fmt::print("{}  [{}]  {}\n", entry->text(), kinds[type], entry->fileEntry()->uuid());
         ++found;
     }
-    if (found == 0) fmt::print("No song holds \"{}\"\n", text);
+    if (found == 0) {
+        fmt::print(stderr, "No song holds \"{}\"\n", text);
+        throw CLI::RuntimeError(ExitFailed);
+    }
 }
 
-// The entry with that uuid, else the one listed under that title (ignoring
-// case); fails when there is none or the title is not unique.
+// The entry whose uuid starts with `id` (ignoring case), when exactly one
+// does; the listing shows uuids that far.
+SongDBFileEntry* findByUuidStart(const String& id) {
+    if (SongDBFileEntry* file = theSongDB.findEntryByUUID(id)) return file;
+    if (codePointLength(id) < 4) return nullptr;
+    SongDBFileEntry* found = nullptr;
+    for (SongDBFileEntry* file : theSongDB.files()) {
+        if (!startsWithIgnoreCase(file->uuid(), id)) continue;
+        if (found) fail("several songs have a uuid that starts with " + id + "; give more of it");
+        found = file;
+    }
+    return found;
+}
+
+// The entry with that uuid (or the start of it, as listed), else the one
+// listed under that title (ignoring case); fails when there is none or the
+// title is not unique.
 SongDBFileEntry* findSong(const std::string& idOrTitle) {
-    if (SongDBFileEntry* file = theSongDB.findEntryByUUID(idOrTitle)) return file;
     std::vector<SongDBFileEntry*> matches;
     for (SongDBFileEntry* file : theSongDB.files()) {
-        if (equalsIgnoreCase(listedTitle(*file), idOrTitle)) matches.push_back(file);
+        if (equalsIgnoreCase(file->listedTitle(), idOrTitle)) matches.push_back(file);
     }
+    if (matches.size() == 1) return matches.front();
+    if (SongDBFileEntry* file = findByUuidStart(idOrTitle)) return file;
     if (matches.empty()) fail("no song in the library has the uuid or title \"" + idOrTitle + "\"");
-    if (matches.size() > 1) {
-        std::string message = "several songs are titled \"" + idOrTitle + "\"; give the uuid:";
-        for (SongDBFileEntry* file : matches)
-            message += "\n  " + file->uuid() + "  " + file->filename();
-        fail(message);
-    }
-    return matches.front();
+    std::string message = "several songs are titled \"" + idOrTitle + "\"; give the uuid:";
+    for (SongDBFileEntry* file : matches)
+        message += "\n  " + file->uuid() + "  " + file->filename();
+    fail(message);
 }
 
 struct ShowOptions {
@@ -200,33 +225,51 @@ struct ShowOptions {
 };
 
 void showSong(const ShowOptions& options) {
-    OpenLibrary library;
+    OpenLibrary library(LibraryAccess::Read);
     SongDBFileEntry* file = findSong(options.song);
     fmt::print("{}", chordSheet(*file->song(), options.transpose));
 }
 
 void removeSong(const std::string& uuid) {
-    OpenLibrary library;
-    SongDBFileEntry* file = theSongDB.findEntryByUUID(uuid);
+    OpenLibrary library(LibraryAccess::Write);
+    SongDBFileEntry* file = findByUuidStart(uuid);
     if (!file) fail("no song in the library has the uuid " + uuid);
-    const String title = listedTitle(*file);
+    const String title = file->listedTitle();
     const String path = file->path();
     theSongDB.removeEntry(file, true);
+    if (const FileError& error = theSongDB.lastError()) fail(error);
     fmt::print("Removed \"{}\" ({})\n", title, path);
 }
 
-}  // namespace
+}  // namespace melodex::cli
 
-void openSongLibrary() {
-    theSongDB.setDatabaseFolder(
-        dataSubfolder("Song Database", [] { return theAppConfig.getSongDatabaseDir(); }));
-    if (!dataOption().empty() && !createFolders(theSongDB.songFilesFolder()))
-        fail("cannot create the song library in " + theSongDB.databaseFolder());
+void openSongLibrary(LibraryAccess access) {
+    const String folder =
+        dataSubfolder("Song Database", [] { return theAppConfig.getSongDatabaseDir(); });
+    const bool readOnly = access == LibraryAccess::Read;
+    // Looking never creates anything: a library that is not there is an
+    // error, not an empty library made on the spot.
+    if (readOnly && !folderExists(folder))
+        fail("no library at " + (dataOption().empty() ? folder : dataOption()));
+    theSongDB.setDatabaseFolder(folder);
+    theSongDB.setReadOnly(readOnly);
+    theSongDB.setLockWaitNotice([](const String& lockPath) {
+        fmt::print(stderr,
+                   "melodex: waiting for another program to finish changing the library "
+                   "({})\n",
+                   lockPath);
+    });
     theSongDB.open();
+    if (const FileError& error = theSongDB.lastError()) {
+        // A library that cannot be read, or locked for a change, is not
+        // worked on half-way.
+        theSongDB.close();
+        fail(error);
+    }
 }
 
-OpenLibrary::OpenLibrary() {
-    openSongLibrary();
+OpenLibrary::OpenLibrary(LibraryAccess access) {
+    openSongLibrary(access);
 }
 
 OpenLibrary::~OpenLibrary() {
@@ -234,16 +277,11 @@ OpenLibrary::~OpenLibrary() {
 }
 
 String listedTitle(const Song& song) {
-    String title = strip(song.info().title());
-    return title.empty() ? SongDBFileEntry::firstLineOf(song) : title;
+    return SongDBFileEntry::listedTitle(song);
 }
 
 String listedTitle(const SongDBFileEntry& file) {
-    if (!file.title().empty()) return file.title();
-    for (const SongDBTextEntry* text : file.iterator()) {
-        if (text->type() != SongDBTextEntry::IndexEntry) return text->text();
-    }
-    return baseNameOf(file.filename());
+    return file.listedTitle();
 }
 
 void addLibraryCommands(CLI::App& app) {
@@ -255,28 +293,39 @@ void addLibraryCommands(CLI::App& app) {
     auto import = std::make_shared<ImportOptions>();
     CLI::App* importCommand = library->add_subcommand(
         "import",
-        "Copy song files (.song, .sng, .xml, .txt, OpenSong) or whole folders into the library. "
-        "A song whose uuid is in the library is skipped, and so is any other song when the "
-        "library has one of the same title and the same lyrics, so importing the same files "
-        "again adds nothing.");
-    importCommand->add_option("PATH", import->paths, "song files or folders")->required();
+        "Copy song files or whole folders into the library. Song files are recognised by what "
+        "they hold (song XML of any kind, OpenSong files without an extension) and by the "
+        ".txt extension for plain-text songs, which take their file name as title. A song "
+        "whose uuid is in the library is skipped, and so is one with the title and lyrics of "
+        "a library song, so importing the same files again adds nothing.");
+    importCommand
+        ->add_option("PATH", import->paths, "song files or folders; - for a song on standard input")
+        ->required();
+    importCommand->add_flag("-v,--verbose", import->verbose,
+                            "list every file that was skipped, and why");
     importCommand->callback([import] { importSongs(*import); });
 
-    library->add_subcommand("list", "List every song: title, key, author and uuid")
-        ->callback(listSongs);
+    auto list = std::make_shared<ListOptions>();
+    CLI::App* listCommand = library->add_subcommand(
+        "list", "List every song: title, key, author and the start of its uuid");
+    listCommand->add_flag("--json", list->json, "print the songs as JSON, for scripts");
+    listCommand->callback([list] { listSongs(*list); });
 
     auto query = std::make_shared<std::string>();
     CLI::App* searchCommand = library->add_subcommand(
         "search",
         "Find songs whose title, first line or index entries hold TEXT (ignoring case "
-        "and punctuation)");
+        "and punctuation). Exits with 1 when nothing is found.");
     searchCommand->add_option("TEXT", *query, "the words to look for")->required();
     searchCommand->callback([query] { searchSongs(*query); });
 
     auto show = std::make_shared<ShowOptions>();
     CLI::App* showCommand =
         library->add_subcommand("show", "Print a library song with its chords above the lyrics");
-    showCommand->add_option("ID-OR-TITLE", show->song, "the song's uuid, or its title")->required();
+    showCommand
+        ->add_option("ID-OR-TITLE", show->song,
+                     "the song's title, or its uuid or the start of it as listed")
+        ->required();
     showCommand->add_option("-t,--transpose", show->transpose, "semitones to move chords and key")
         ->check(CLI::Range(-12, 12));
     showCommand->callback([show] { showSong(*show); });
@@ -284,7 +333,7 @@ void addLibraryCommands(CLI::App& app) {
     auto remove = std::make_shared<std::string>();
     CLI::App* removeCommand = library->add_subcommand(
         "remove", "Take a song out of the library and delete the library's copy of it");
-    removeCommand->add_option("ID", *remove, "the song's uuid")->required();
+    removeCommand->add_option("ID", *remove, "the song's uuid, or its start as listed")->required();
     removeCommand->callback([remove] { removeSong(*remove); });
 }
 

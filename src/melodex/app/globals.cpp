@@ -7,5 +7,7 @@ namespace melodex {
 Melodex theBaseApp;
 SongConfig theAppConfig;  // registers its string table with theBaseApp
 SongDatabase theSongDB;   // its folders come from theAppConfig when it opens
+// The installed Bibles; theAppConfig.init gives them their folder.
+BibleDatabase theBibleDB;
 
 }  // namespace melodex

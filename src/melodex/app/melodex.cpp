@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "melodex/bible/bible_database.h"
 #include "melodex/foundation/file_system.h"
 #include "melodex/foundation/string_tables.h"
 #include "melodex/library/song_database.h"
@@ -96,6 +97,7 @@ void Melodex::setDialogs(Dialogs* dialogs) {
     m_dialogs = dialogs;
     // The library shows the same dialogs as the program.
     if (this == &theBaseApp) theSongDB.setDialogs(dialogs);
+    if (this == &theBaseApp) theBibleDB.setDialogs(dialogs);
 }
 
 ProcessLauncher& Melodex::processLauncher() const {
@@ -156,8 +158,7 @@ String Melodex::saveSongFile(Song* song, const String& initialFolder) {
     // The filter decides, whatever the user typed: "Hymn.song" saved with
     // the text filter becomes "Hymn.txt".
     const int fileType = chosen->filterIndex == 0 ? 1 : chosen->filterIndex;
-    const String path = joinPath(folderOf(chosen->path),
-                                 baseNameOf(chosen->path) + Song::getFileExtension(fileType));
+    const String path = Song::pathWithFileExtension(chosen->path, fileType);
     if (song->saveToFile(path, fileType) != 0) return String();
     return path;
 }

@@ -3,6 +3,8 @@
 #include <array>
 
 #include "melodex/app/melodex.h"
+#include "melodex/bible/bible_database.h"
+#include "melodex/display/song_display_profile.h"
 #include "melodex/foundation/file_system.h"
 #include "melodex/library/song_database.h"
 #include "melodex/platform/dialogs.h"
@@ -71,8 +73,11 @@ void SongConfig::configure() {
     for (const ProductDefault& value : ProductDefaults)
         setProductValue(value.name, value.value);
 
+    // Beside the program, in the folder above it (the family's own layout),
+    // or among the installed data of its prefix.
     const String programFolder = this->programFolder();
-    for (const String& folder : {programFolder, folderOf(programFolder)}) {
+    for (const String& folder : {programFolder, folderOf(programFolder),
+                                 joinPath(folderOf(programFolder), "share/melodex")}) {
         const String candidate = joinPath(folder, ProductFileName);
         if (!folder.empty() && fileExists(candidate) && loadProductFile(candidate)) {
             m_configured = true;
@@ -118,8 +123,13 @@ bool SongConfig::init(int programId) {
     m_logFilesDir = settleFolder(settings, "LogFilesDir", joinPath(m_userDataDir, "Log Files"));
 
     createFolders(getSongDatabaseFilesDir());
-    // The program's configuration points the shared library at its folder.
-    if (this == &theAppConfig) theSongDB.setDatabaseFolder(m_songDatabaseDir);
+    // The program's configuration points the shared library, the Bible
+    // database and the profile list at their folders.
+    if (this == &theAppConfig) {
+        theSongDB.setDatabaseFolder(m_songDatabaseDir);
+        theBibleDB.setDatabaseFolder(m_bibleDatabaseDir);
+        SongDisplayProfile::setProfileFolder(m_displayProfilesDir);
+    }
     return true;
 }
 

@@ -9,7 +9,8 @@
 //     theSongDB.open();  // in theAppConfig.getSongDatabaseDir()
 //
 // Construction looks for the product file "product.bcf" in the program's
-// folder, then in its parent, and registers the library's string table
+// folder, then in its parent, then in share/melodex of its prefix, and
+// registers the library's string table
 // "Melodex.ini". init() registers the program's own string table, settles
 // each data folder from the per-user settings (a setting names the folder;
 // without one it lies under the user data folder, itself under the base

@@ -114,6 +114,31 @@ Status linkAsNew(const String& temporary, const String& target) {
     return lastError();
 }
 
+// A new file written without a name and given one only when whole (an
+// O_TMPFILE file linked into place): no temporary name to make up, nothing
+// to clean away after a crash. EOPNOTSUPP when the file system cannot.
+Status createUnnamedAndLink(const String& target, std::string_view bytes) {
+    String folder = folderOf(target);
+    if (folder.empty()) folder = ".";
+    const int fd = ::open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);
+    if (fd < 0) {
+        // Older kernels and some file systems answer EISDIR or EOPNOTSUPP.
+        if (errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL) return Status(EOPNOTSUPP);
+        return lastError();
+    }
+    Status status = StatusSuccess;
+    if (!writeAll(fd, bytes)) {
+        status = lastError();
+    } else {
+        const String self = "/proc/self/fd/" + std::to_string(fd);
+        if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, target.c_str(), AT_SYMLINK_FOLLOW) != 0)
+            status = errno == ENOENT && !folderExists("/proc/self") ? Status(EOPNOTSUPP)
+                                                                     : lastError();
+    }
+    ::close(fd);
+    return status;
+}
+
 }  // namespace
 
 String joinPath(std::string_view folder, std::string_view name) {
@@ -209,13 +234,18 @@ std::optional<std::int64_t> fileModificationStamp(std::string_view path) {
     return std::int64_t(info.st_mtim.tv_sec) * 1000000000 + info.st_mtim.tv_nsec;
 }
 
-std::optional<std::vector<FolderItem>> listFolder(std::string_view path) {
+std::optional<std::vector<FolderItem>> listFolder(std::string_view path, Status* status) {
     std::error_code error;
+    const auto failed = [&error, status]() -> std::optional<std::vector<FolderItem>> {
+        if (status) *status = error.value() != 0 ? Status(error.value()) : Status(EIO);
+        return std::nullopt;
+    };
+    if (status) *status = StatusSuccess;
     fs::directory_iterator it(toPath(path), error);
-    if (error) return std::nullopt;
+    if (error) return failed();
     std::vector<FolderItem> items;
     for (; it != fs::directory_iterator(); it.increment(error)) {
-        if (error) break;
+        if (error) return failed();
         FolderItem item;
         item.name = fromPath(it->path().filename());
         std::error_code typeError;
@@ -228,7 +258,32 @@ std::optional<std::vector<FolderItem>> listFolder(std::string_view path) {
     return items;
 }
 
-Status readFileBytes(std::string_view path, std::string& bytes) {
+String canonicalPath(std::string_view path) {
+    std::error_code error;
+    const fs::path resolved = fs::canonical(toPath(path), error);
+    return error ? absolutePath(path) : fromPath(resolved);
+}
+
+void walkFolder(const String& folder, const FolderWalk& walk, std::set<String>& visited) {
+    if (!visited.insert(canonicalPath(folder)).second) return;
+    Status status = StatusSuccess;
+    const std::optional<std::vector<FolderItem>> items = listFolder(folder, &status);
+    if (!items) {
+        if (walk.unreadable) walk.unreadable(folder, status);
+        return;
+    }
+    for (const FolderItem& item : *items) {
+        if (walk.skipHidden && item.name.front() == '.') continue;
+        const String path = joinPath(folder, item.name);
+        if (item.isFolder) {
+            walkFolder(path, walk, visited);
+        } else if (item.isFile && walk.file) {
+            walk.file(path, item.name);
+        }
+    }
+}
+
+Status readFileBytes(std::string_view path, std::string& bytes, std::size_t maxBytes) {
     const String target(path);
     const int fd = ::open(target.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0) return lastError();
@@ -238,11 +293,18 @@ Status readFileBytes(std::string_view path, std::string& bytes) {
         ::close(fd);
         return status;
     }
-    std::string data;
-    if (info.st_size > 0) data.reserve(std::size_t(info.st_size));
-    char buffer[65536];
+    if (std::uintmax_t(info.st_size) > maxBytes) {
+        ::close(fd);
+        return Status(EFBIG);
+    }
+    // Read straight into the string, sized from the file; one byte more
+    // than the size lets the end be seen without a second read for most
+    // files, and files that grow (or report no size) get room as they go.
+    std::string data(std::size_t(info.st_size > 0 ? info.st_size : 0) + 1, '\0');
+    std::size_t filled = 0;
     for (;;) {
-        const ssize_t got = ::read(fd, buffer, sizeof buffer);
+        if (filled == data.size()) data.resize(data.size() * 2 + 4096);
+        const ssize_t got = ::read(fd, data.data() + filled, data.size() - filled);
         if (got < 0) {
             if (errno == EINTR) continue;
             const Status status = lastError();
@@ -250,9 +312,10 @@ Status readFileBytes(std::string_view path, std::string& bytes) {
             return status;
         }
         if (got == 0) break;
-        data.append(buffer, std::size_t(got));
+        filled += std::size_t(got);
     }
     ::close(fd);
+    data.resize(filled);
     bytes = std::move(data);
     return StatusSuccess;
 }
@@ -265,6 +328,11 @@ Status writeFileAtomically(std::string_view path, std::string_view bytes, WriteM
     if (mode == WriteMode::Replace) {
         const Status found = resolveWriteTarget(target, existing, replacing);
         if (found != StatusSuccess) return found;
+    }
+
+    if (mode == WriteMode::CreateNew) {
+        const Status created = createUnnamedAndLink(target, bytes);
+        if (created != EOPNOTSUPP) return created;
     }
 
     // The temporary file lies beside the target so that the rename stays on

@@ -6,7 +6,9 @@
 // failures are reported as false, an empty result or an errno Status.
 
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <set>
 #include <string_view>
 #include <vector>
 
@@ -72,11 +74,35 @@ struct FolderItem {
 };
 
 // The items of a folder (not "." and ".."), sorted by name so that results
-// do not depend on the file system; nullopt when it cannot be opened.
-std::optional<std::vector<FolderItem>> listFolder(std::string_view path);
+// do not depend on the file system; nullopt when it cannot be opened or
+// read, with the reason in `status` when one is given.
+std::optional<std::vector<FolderItem>> listFolder(std::string_view path,
+                                                  Status* status = nullptr);
 
-// Reads a whole file as bytes; 0 or the errno value.
-[[nodiscard]] Status readFileBytes(std::string_view path, std::string& bytes);
+// The path with every symbolic link resolved and made absolute, so that a
+// folder reached by two roads is known to be one; absolutePath(path) when
+// it cannot be resolved.
+String canonicalPath(std::string_view path);
+
+// What walkFolder reports.
+struct FolderWalk {
+    // Each regular file, with its path and its name.
+    std::function<void(const String& path, const String& name)> file;
+    // Each folder that could not be listed, and why.
+    std::function<void(const String& path, Status status)> unreadable;
+    // Files and folders whose names start with a dot are passed over.
+    bool skipHidden = false;
+};
+
+// Walks `folder` and its sub-folders to any depth, in name order, each folder
+// once however many links lead to it (`visited` holds the canonical paths
+// walked so far, so several walks can share it).
+void walkFolder(const String& folder, const FolderWalk& walk, std::set<String>& visited);
+
+// Reads a whole file as bytes; 0 or the errno value. A file larger than
+// `maxBytes` is not read: EFBIG, and `bytes` is left as it was.
+[[nodiscard]] Status readFileBytes(std::string_view path, std::string& bytes,
+                                   std::size_t maxBytes = std::size_t(-1));
 
 // How writeFileAtomically treats a file already at the path.
 enum class WriteMode {

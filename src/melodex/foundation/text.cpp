@@ -290,23 +290,20 @@ String foldForSearch(std::string_view text) {
             continue;
         }
         const char32_t codePoint = decodeUtf8(text, pos);
-        switch (codePoint) {
         // Quotes that utf8proc's lumping leaves alone.
-        case U'\u201A': case U'\u201B': case U'\u2032':
+        if (codePoint == U'\u201A' || codePoint == U'\u201B' || codePoint == U'\u2032') {
             out += '\'';
             continue;
-        case U'\u201C': case U'\u201D': case U'\u201E': case U'\u201F':
-        case U'\u00AB': case U'\u00BB': case U'\u2033':
+        }
+        if ((codePoint >= U'\u201C' && codePoint <= U'\u201F') || codePoint == U'\u00AB' ||
+            codePoint == U'\u00BB' || codePoint == U'\u2033') {
             out += '"';
             continue;
-        default:
-            break;
         }
         utf8proc_int32_t decomposed[32];
         utf8proc_int32_t boundary = 0;
-        const utf8proc_ssize_t count =
-            utf8proc_decompose_char(utf8proc_int32_t(codePoint), decomposed, 32,
-                                    utf8proc_option_t(Options), &boundary);
+        const utf8proc_ssize_t count = utf8proc_decompose_char(
+            utf8proc_int32_t(codePoint), decomposed, 32, utf8proc_option_t(Options), &boundary);
         if (count < 0 || count > 32) {
             appendUtf8(out, codePoint);
             continue;

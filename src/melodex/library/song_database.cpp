@@ -2,9 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
 #include <string>
-#include <system_error>
 #include <unordered_set>
 
 #include "melodex/foundation/file_system.h"
@@ -16,11 +14,11 @@
 
 namespace melodex {
 
-namespace fs = std::filesystem;
-
 namespace {
 
 constexpr std::string_view SongExtension = ".song";
+// Shared by every program and computer that uses the library folder.
+constexpr std::string_view LockFileName = "songdb.lock";
 constexpr std::string_view FolderDialogTitle = "Select Folder for Import";
 // Longest base name an import gives a file (in bytes), leaving room for a
 // number and the extension within the 255 bytes most file systems allow.
@@ -31,18 +29,6 @@ bool isImportable(std::string_view name) {
         if (endsWithIgnoreCase(name, extension)) return true;
     }
     return false;
-}
-
-// The path with every link resolved, so that a folder reached through links
-// is known again; absolutePath(path) when it cannot be resolved. Paths are
-// UTF-8 whatever the system's code page.
-String resolvedPath(const String& path) {
-    std::error_code error;
-    const fs::path resolved =
-        fs::canonical(fs::path(std::u8string(path.begin(), path.end())), error);
-    if (error) return absolutePath(path);
-    const std::u8string text = resolved.u8string();
-    return String(text.begin(), text.end());
 }
 
 // A song title as a file name: characters that cannot stand in a file name
@@ -71,36 +57,6 @@ String fileNameFromTitle(std::string_view title) {
     return isPlainFileName(name) ? name : String();
 }
 
-// Writes the bytes to a new file that no other file shares a name with;
-// false when the file cannot be created.
-bool writeNewFile(const String& path, std::string_view bytes) {
-    std::FILE* file = std::fopen(path.c_str(), "wbx");
-    if (!file) return false;
-    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-    const bool closed = std::fclose(file) == 0;
-    if (written && closed) return true;
-    (void)removeFile(path);
-    return false;
-}
-
-enum class Placement { Done, Taken, Failed };
-
-// Gives the finished file `staging` the name `target` unless a file of that
-// name exists. A hard link does that in one step, so two programs importing
-// into one shared folder at once can never take the same name and overwrite
-// each other's song. Where the file system has no hard links, a test and a
-// rename serve.
-Placement placeFile(const String& staging, const String& target) {
-    std::error_code error;
-    fs::create_hard_link(staging, target, error);
-    if (!error) return Placement::Done;
-    if (error == std::errc::file_exists) return Placement::Taken;
-    std::error_code statusError;
-    if (fs::exists(fs::symlink_status(target, statusError))) return Placement::Taken;
-    fs::rename(staging, target, error);
-    return error ? Placement::Failed : Placement::Done;
-}
-
 }  // namespace
 
 SongDatabase::SongDatabase() = default;
@@ -127,26 +83,126 @@ String SongDatabase::songFilesFolder() const {
 
 String SongDatabase::indexPath() const {
     if (!m_indexPath.empty()) return m_indexPath;
+    if (databaseFolder().empty()) return {};
     const String host = m_hostName.empty() ? SystemInfo::hostName() : m_hostName;
     return joinPath(databaseFolder(), "songdb-" + host + ".ini");
+}
+
+String SongDatabase::lockPath() const {
+    return databaseFolder().empty() ? String() : joinPath(databaseFolder(), LockFileName);
+}
+
+// --- Sharing the library with other programs -----------------------------------------
+
+bool SongDatabase::beginChanges() {
+    if (m_changeDepth > 0) {
+        ++m_changeDepth;
+        return true;
+    }
+    m_error.clear();
+    if (m_readOnly) {
+        m_error.record(FileError::Action::Write, databaseFolder(), StatusReadOnly);
+        return false;
+    }
+    if (databaseFolder().empty()) {
+        m_error.record(FileError::Action::Write, {}, StatusNoFolder);
+        return false;
+    }
+    // A writable library makes its folders: the lock file, the index and the
+    // songs all need them.
+    if (!createFolders(songFilesFolder())) {
+        m_error.record(FileError::Action::CreateFolder, songFilesFolder(),
+                       folderExists(databaseFolder()) ? Status(EACCES) : Status(ENOENT));
+        return false;
+    }
+    const Status locked = m_lock.acquire(lockPath(), m_lockTimeout, m_lockNotice);
+    if (locked != StatusSuccess) {
+        m_error.record(FileError::Action::Lock, lockPath(), locked);
+        return false;
+    }
+    m_changeDepth = 1;
+    m_folderChanged = false;
+    // Another program changed the library since this one last looked: take
+    // in its songs and its removals before changing anything. The lock's
+    // counter tells about programs that lock; the folder's time about those
+    // that do not (a file manager, a copy from a backup).
+    if (m_opened && (m_lock.changeCount() != m_seenChanges ||
+                     fileModificationStamp(songFilesFolder()) != m_folderStamp)) {
+        catchUp();
+    }
+    m_seenChanges = m_lock.changeCount();
+    return true;
+}
+
+void SongDatabase::endChanges() {
+    if (m_changeDepth == 0 || --m_changeDepth > 0) return;
+    if (m_folderChanged) m_lock.markChanged();
+    m_seenChanges = m_lock.changeCount();
+    m_folderStamp = fileModificationStamp(songFilesFolder());
+    m_folderChanged = false;
+    m_lock.release();
+}
+
+void SongDatabase::catchUp() {
+    Status listed = StatusSuccess;
+    const std::optional<std::vector<FolderItem>> items = listFolder(songFilesFolder(), &listed);
+    if (!items) {
+        m_error.record(FileError::Action::List, songFilesFolder(), listed);
+        return;
+    }
+    std::unordered_set<std::string_view> present;
+    present.reserve(items->size());
+    for (const FolderItem& item : *items) {
+        if (item.isFile) present.insert(item.name);
+    }
+    std::vector<SongDBFileEntry*> gone;
+    for (const auto& file : m_files) {
+        if (!present.contains(file->filename())) gone.push_back(file.get());
+    }
+    for (SongDBFileEntry* file : gone)
+        dropEntry(file);
+    scanSongFolder(*items, entriesByName());
+    sortTextEntries();
 }
 
 // --- Opening and saving -------------------------------------------------------------
 
 unsigned SongDatabase::open() {
     if (!m_files.empty() || !m_entries.empty() || !m_indexPath.empty()) close();
+    m_error.clear();
 
     // Settled here, so that later changes of the settings wait for the next
     // open().
     m_openFolder = databaseFolder();
+    if (m_openFolder.empty()) {
+        // Never the current folder in its place: a library written there
+        // would be lost to the user.
+        m_error.record(FileError::Action::Read, {}, StatusNoFolder);
+        return 0;
+    }
     m_indexPath = indexPath();
     m_changed = false;
     m_index.clear();
 
+    // The rescan may rewrite sections and the index, so a writable library
+    // reads under the lock: another program's half-finished import is never
+    // taken for the library's state. A read-only library reads what is
+    // there; every file it reads was written whole.
+    std::optional<Changes> changes;
+    if (!m_readOnly) {
+        changes.emplace(*this);
+        if (!*changes) {
+            // Without the lock the library is still shown, read-only for now.
+            changes.reset();
+        }
+    }
+
     // The folder is listed once, for the sections' files and for the scan:
     // asking the file system about each file of a large library twice
     // would cost more than everything else that open does.
-    const std::optional<std::vector<FolderItem>> items = listFolder(songFilesFolder());
+    Status listed = StatusSuccess;
+    const std::optional<std::vector<FolderItem>> items = listFolder(songFilesFolder(), &listed);
+    if (!items && listed != ENOENT) m_error.record(FileError::Action::List, songFilesFolder(), listed);
     EntriesByName byName;
     std::unordered_set<std::string_view> present;
     if (items) {
@@ -163,13 +219,19 @@ unsigned SongDatabase::open() {
         // and "hymn.song" are two songs.
         byName.reserve(std::size_t(m_index.getKeyCount()));
         m_files.reserve(std::size_t(m_index.getKeyCount()));
-        for (int i = 0; i < m_index.getKeyCount(); ++i) {
+        const int sections = m_index.getKeyCount();
+        for (int i = 0; i < sections; ++i) {
             ConfigKey* key = m_index.getKey(i);
             auto file = std::make_unique<SongDBFileEntry>(this);
             bool keep = file->load(key, &present);
             // A second section for a file already listed is left over from an
             // older state of the folder; keeping it would list the song twice.
             if (keep && !byName.emplace(file->filename(), file.get()).second) {
+                removeTextEntriesForFile(file.get(), true);
+                keep = false;
+            }
+            if (keep && !keySectionByUuid(key, file.get(), stale)) {
+                byName.erase(file->filename());
                 removeTextEntriesForFile(file.get(), true);
                 keep = false;
             }
@@ -186,12 +248,35 @@ unsigned SongDatabase::open() {
 
     if (items) scanSongFolder(*items, byName);
     sortTextEntries();
-    if (m_changed) (void)saveDatabaseFiles();
+    if (m_changed && !m_readOnly && changes) (void)saveDatabaseFiles();
+    m_folderStamp = fileModificationStamp(songFilesFolder());
+    m_opened = true;
     return 0;
 }
 
+bool SongDatabase::keySectionByUuid(ConfigKey* key, SongDBFileEntry* file, StringArray& stale) {
+    if (equalsIgnoreCase(key->name(), file->uuid())) return true;
+    // A section under another name would be deleted by the scan the day a
+    // song with that name as its uuid is added, and a song listed under a
+    // name that is not its uuid cannot be found by it.
+    if (!SongDBFileEntry::hasUsableUuidText(file->uuid()) || m_index.findKey(file->uuid()))
+        return false;
+    ConfigKey* renamed = m_index.createKey(file->uuid());
+    for (int i = 0; i < key->getValueCount(); ++i) {
+        const ConfigValue& value = key->getValue(i);
+        renamed->setString(value.name(), value.value());
+    }
+    stale.push_back(key->name());
+    m_changed = true;
+    return true;
+}
+
 unsigned SongDatabase::close() {
-    if (m_changed) (void)saveDatabaseFiles();
+    m_error.clear();
+    if (m_changed && !m_readOnly && !m_indexPath.empty()) {
+        Changes changes(*this);
+        if (changes) (void)saveDatabaseFiles();
+    }
     m_entries.clear();
     m_files.clear();
     m_byUuid.clear();
@@ -200,29 +285,49 @@ unsigned SongDatabase::close() {
     m_indexPath.clear();
     m_openFolder.clear();
     m_changed = false;
+    m_opened = false;
     return 0;
 }
 
 unsigned SongDatabase::flush() {
-    (void)saveDatabaseFiles();
+    m_error.clear();
+    if (m_indexPath.empty()) {
+        m_error.record(FileError::Action::Write, {}, StatusNoFolder);
+        return 0;
+    }
+    Changes changes(*this);
+    if (changes) (void)saveDatabaseFiles();
     return 0;
 }
 
 Status SongDatabase::saveDatabaseFiles() {
+    if (m_readOnly) {
+        m_error.record(FileError::Action::Write, m_indexPath, StatusReadOnly);
+        return StatusReadOnly;
+    }
     const Status status = m_index.save(m_indexPath);
+    m_error.record(FileError::Action::Write, m_indexPath, status);
     // A failed write keeps the flag, so that close() tries again.
     if (status == StatusSuccess) m_changed = false;
     return status;
 }
 
-void SongDatabase::scanSongFolder() {
-    const std::optional<std::vector<FolderItem>> items = listFolder(songFilesFolder());
-    if (!items) return;
+SongDatabase::EntriesByName SongDatabase::entriesByName() const {
     EntriesByName byName;
     byName.reserve(m_files.size());
     for (const auto& file : m_files)
         byName.emplace(file->filename(), file.get());
-    scanSongFolder(*items, byName);
+    return byName;
+}
+
+void SongDatabase::scanSongFolder() {
+    Status listed = StatusSuccess;
+    const std::optional<std::vector<FolderItem>> items = listFolder(songFilesFolder(), &listed);
+    if (!items) {
+        if (listed != ENOENT) m_error.record(FileError::Action::List, songFilesFolder(), listed);
+        return;
+    }
+    scanSongFolder(*items, entriesByName());
 }
 
 void SongDatabase::scanSongFolder(const std::vector<FolderItem>& items,
@@ -247,7 +352,7 @@ void SongDatabase::scanSongFolder(const std::vector<FolderItem>& items,
 
 void SongDatabase::refreshEntry(SongDBFileEntry* file) {
     Song fresh;
-    if (SongDBFileEntry::readLibrarySong(fresh, file->path(), file->uuid())) {
+    if (readLibrarySong(fresh, file->path(), file->uuid())) {
         takeContents(file, fresh);
     } else {
         // No longer a song: out of the library, like any file that is not
@@ -298,8 +403,43 @@ void SongDatabase::makeUuidUnique(SongDBFileEntry* file) {
     do {
         song->generateUUID();
     } while (findEntryByUUID(song->uuid()));
-    (void)song->saveToFile(file->path(), SongFileType::Song);
+    (void)writeLibrarySong(*song, file->path());
     file->m_uuid = song->uuid();
+}
+
+bool SongDatabase::readLibrarySong(Song& song, const String& path, const String& knownUuid) {
+    // Not written back: a file that is not a song stays as it was.
+    const Status read = song.loadFromFile(path);
+    if (read != StatusSuccess) {
+        if (read < StatusFailed) m_error.record(FileError::Action::Read, path, read);
+        return false;
+    }
+    if (!SongDBFileEntry::isSong(song)) return false;
+    if (SongDBFileEntry::hasUsableUuid(song)) return true;
+    // Markup that did not parse reads as plain text whose first line is a
+    // tag; writing the uuid back would turn the user's (repairable) file
+    // into lines of raw markup, so such a file is left alone.
+    if (SongDBFileEntry::isUnreadMarkup(song)) return false;
+    // The uuid is the song's name in the index and in song sets: written
+    // into the file it stays the same however often the library is rebuilt,
+    // and a song saved elsewhere without it keeps the one the library knows.
+    if (knownUuid.empty()) {
+        song.generateUUID();
+    } else {
+        song.uuid(knownUuid);
+    }
+    (void)writeLibrarySong(song, path);
+    return true;
+}
+
+bool SongDatabase::writeLibrarySong(Song& song, const String& path) {
+    // A read-only library keeps the uuid in memory only; the next writable
+    // open writes it.
+    if (m_readOnly) return false;
+    const Status written = song.saveToFile(path, SongFileType::Song);
+    m_error.record(FileError::Action::Write, path, written);
+    if (written == StatusSuccess) noteFolderChanged();
+    return written == StatusSuccess;
 }
 
 // --- The entries -----------------------------------------------------------------------
@@ -437,22 +577,37 @@ void SongDatabase::sortTextEntries() {
 }
 
 void SongDatabase::removeEntry(SongDBFileEntry* file, bool save) {
+    m_error.clear();
     if (!isOwnEntry(file)) return;
+    Changes changes(*this);
+    // Taking the lock may have taken in another program's removal of this
+    // very song.
+    if (!changes || !isOwnEntry(file)) return;
     // Only a plain name is ever joined to the folder, so the removal cannot
     // reach outside it whatever the index held.
-    const String path = isPlainFileName(file->filename()) ? file->path() : String();
+    if (isPlainFileName(file->filename())) {
+        const String path = file->path();
+        const Status removed = removeFile(path);
+        if (removed != StatusSuccess && removed != ENOENT) {
+            m_error.record(FileError::Action::Remove, path, removed);
+            return;
+        }
+        noteFolderChanged();
+    }
     dropEntry(file);
-    if (!path.empty()) (void)removeFile(path);
     if (save) (void)saveDatabaseFiles();
 }
 
 void SongDatabase::reload(SongDBFileEntry* file) {
+    m_error.clear();
     if (!isOwnEntry(file)) return;
+    Changes changes(*this);
+    if (!changes || !isOwnEntry(file)) return;
     Song fresh;
-    if (!SongDBFileEntry::readLibrarySong(fresh, file->path(), file->uuid())) return;
+    if (!readLibrarySong(fresh, file->path(), file->uuid())) return;
     takeContents(file, fresh);
     sortTextEntries();
-    flush();
+    (void)saveDatabaseFiles();
 }
 
 bool SongDatabase::holdsSong(const Song& song) const {
@@ -462,13 +617,22 @@ bool SongDatabase::holdsSong(const Song& song) const {
 // --- Imports -----------------------------------------------------------------------------
 
 SongDBFileEntry* SongDatabase::importFile(const String& path, bool save, bool nameByTitle) {
+    m_error.clear();
     Song song;
-    if (song.loadFromFile(path) != StatusSuccess || !SongDBFileEntry::isSong(song)) return nullptr;
+    const Status read = song.loadFromFile(path);
+    if (read != StatusSuccess) {
+        if (read < StatusFailed) m_error.record(FileError::Action::Read, path, read);
+        return nullptr;
+    }
+    if (!SongDBFileEntry::isSong(song)) return nullptr;
     return importSong(song, path, save, nameByTitle);
 }
 
 SongDBFileEntry* SongDatabase::importSong(Song& song, const String& sourcePath, bool save,
                                           bool nameByTitle) {
+    m_error.clear();
+    Changes changes(*this);
+    if (!changes) return nullptr;
     if (holdsSong(song)) return nullptr;  // imported before
     if (!SongDBFileEntry::hasUsableUuid(song)) {
         do {
@@ -480,13 +644,11 @@ SongDBFileEntry* SongDatabase::importSong(Song& song, const String& sourcePath, 
     if (base.empty()) base = fileNameFromTitle(baseNameOf(sourcePath));
     if (base.empty()) base = "Song";
 
-    // The song is written once under a hidden name of its own and then
-    // given its final name, which is taken atomically.
+    // The name is taken only when it is free (WriteMode::CreateNew), so a
+    // program that does not lock the folder, or another computer whose lock
+    // does not reach this one, can never have its song overwritten.
     const String folder = songFilesFolder();
     const String text = song.saveToText(SongFileType::Song, true);
-    const String staging = joinPath(folder, "." + Uuid::generate().toString() + ".import");
-    if (!writeNewFile(staging, text)) return nullptr;
-
     String target;
     for (int number = 1; target.empty(); ++number) {
         const String name =
@@ -495,40 +657,42 @@ SongDBFileEntry* SongDatabase::importSong(Song& song, const String& sourcePath, 
         // findEntryByFilename ambiguous.
         if (findEntryByFilename(name)) continue;
         const String candidate = joinPath(folder, name);
-        const Placement placement = placeFile(staging, candidate);
-        if (placement == Placement::Failed) break;
-        if (placement == Placement::Done) target = candidate;
+        const Status written = writeFileAtomically(candidate, text, WriteMode::CreateNew);
+        if (written == StatusSuccess) {
+            target = candidate;
+        } else if (written != EEXIST) {
+            m_error.record(FileError::Action::Write, candidate, written);
+            return nullptr;
+        }
     }
-    (void)removeFile(staging);
-    if (target.empty()) return nullptr;
+    noteFolderChanged();
 
-    // The entry takes the song as a read of the file would give it: parsed
-    // from the very bytes written, not read from disk a second time.
-    auto written = std::make_shared<Song>();
-    (void)written->loadFromText(text);
-    written->filename(target);
-    SongDBFileEntry* entry = addFileEntry(target, std::move(written));
+    // The entry is filled from the song in hand (what was written reads back
+    // as it: the writer escapes all that a reader would change) and does not
+    // keep it: song() reads the library's copy when it is wanted. An import
+    // of thousands of songs then holds none of them, and never parses what
+    // it has just written.
+    SongDBFileEntry* entry = addFileEntry(target, std::shared_ptr<Song>(std::shared_ptr<Song>(), &song));
+    if (entry) entry->m_song.reset();
     if (entry && save) (void)saveDatabaseFiles();
     return entry;
 }
 
 void SongDatabase::listImportableFiles(const String& folder, StringArray& files,
                                        std::set<String>& visited) {
-    if (!visited.insert(resolvedPath(folder)).second) return;
-    const std::optional<std::vector<FolderItem>> items = listFolder(folder);
-    if (!items) return;
-    for (const FolderItem& item : *items) {
-        const String path = joinPath(folder, item.name);
-        if (item.isFolder) {
-            listImportableFiles(path, files, visited);
-        } else if (item.isFile && isImportable(item.name)) {
-            files.push_back(path);
-        }
-    }
+    FolderWalk walk;
+    walk.file = [&files](const String& path, const String& name) {
+        if (isImportable(name)) files.push_back(path);
+    };
+    walkFolder(folder, walk, visited);
 }
 
 bool SongDatabase::importFolder(const String& folder, const ImportProgress& progress) {
     WaitCursor busy(dialogs());
+    // One lock for the whole folder: a second program waits once, not
+    // between every two songs.
+    Changes changes(*this);
+    if (!changes) return false;
     StringArray files;
     std::set<String> visited;
     listImportableFiles(folder, files, visited);
@@ -549,6 +713,8 @@ void SongDatabase::selectAndImportFiles() {
     request.fileNameBufferLength = MultiSelectFileNameBufferLength;
     const std::optional<StringArray> paths = dialogs().openFiles(request);
     if (!paths) return;
+    Changes changes(*this);
+    if (!changes) return;
     bool imported = false;
     for (const String& path : *paths)
         imported = importFile(path, false, false) != nullptr || imported;
@@ -559,7 +725,9 @@ void SongDatabase::selectAndImportFolder() {
     FolderDialogRequest request;
     request.title = FolderDialogTitle;
     const std::optional<String> folder = dialogs().chooseFolder(request);
-    if (folder && importFolder(*folder)) (void)saveDatabaseFiles();
+    if (!folder) return;
+    Changes changes(*this);
+    if (changes && importFolder(*folder)) (void)saveDatabaseFiles();
 }
 
 }  // namespace melodex

@@ -27,19 +27,37 @@
 // entries; a pointer handed out stays valid until that entry is removed or
 // the library is closed or opened again.
 //
+// A library folder is shared between programs, and between computers (that
+// is why the index is per host). Every change (imports, removals, reloads,
+// index saves, and the rescan of open() that rewrites sections) is made
+// holding the lock file "songdb.lock" of the song database folder. A second
+// program waits for it (up to lockTimeout(), telling its wait notice) and
+// then first takes in what the other program changed, its new songs and its
+// removals, before it changes anything itself. A program that makes many
+// changes in a row holds the lock once for all of them (Changes).
+//
+// open(), close() and flush() return 0 as they always have; what went wrong
+// in the last public operation (an index that could not be written, a song
+// file that could not be removed, a folder that could not be read) is kept
+// in lastError() for the program to show.
+//
 // Where the library lies is settled by open(): the folder set with
 // setDatabaseFolder() (theAppConfig.init() sets theSongDB's), and the host
 // name set with setHostName(), else the computer's. The dialogs it shows
 // (import choosers, the wait cursor) are the ones set with setDialogs(),
 // else a headless set.
 
+#include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <ranges>
 #include <set>
 #include <unordered_map>
 #include <vector>
 
+#include "melodex/foundation/file_lock.h"
 #include "melodex/foundation/file_system.h"
 #include "melodex/foundation/ini_file.h"
 #include "melodex/foundation/status.h"
@@ -85,18 +103,69 @@ public:
     String databaseFolder() const;
     String songFilesFolder() const;
     String indexPath() const;
+    String lockPath() const;
+
+    // A read-only library writes nothing: no index, no uuid written back into
+    // a song file, no lock file, no folder. Imports, removals and reloads
+    // fail with StatusReadOnly. For programs that only show songs. Takes
+    // effect at once.
+    void setReadOnly(bool readOnly) { m_readOnly = readOnly; }
+    bool readOnly() const { return m_readOnly; }
+
+    // What went wrong in the last public operation; empty when nothing did.
+    const FileError& lastError() const { return m_error; }
+
+    // --- Sharing the library with other programs ----------------------------------
+
+    // How long a change waits for another program's lock before it fails
+    // with StatusLockTimedOut (30 seconds unless set).
+    void setLockTimeout(std::chrono::milliseconds timeout) { m_lockTimeout = timeout; }
+    std::chrono::milliseconds lockTimeout() const { return m_lockTimeout; }
+
+    // Called once whenever a change has to wait for another program, with
+    // the lock file's path, so that the program can tell the user.
+    void setLockWaitNotice(FileLock::WaitNotice notice) { m_lockNotice = std::move(notice); }
+
+    // Takes the library's lock for a run of changes and takes in what other
+    // programs changed since this library last looked. Calls nest: only the
+    // outermost pair takes and gives up the lock. False when the lock could
+    // not be had (lastError() says why) or the library is read-only; the
+    // caller must not call endChanges() then.
+    [[nodiscard]] bool beginChanges();
+    void endChanges();
+
+    // beginChanges() and endChanges() for a scope:
+    //     SongDatabase::Changes changes(theSongDB);
+    //     if (!changes) return report(theSongDB.lastError());
+    class Changes {
+    public:
+        explicit Changes(SongDatabase& database)
+            : m_database(database), m_held(database.beginChanges()) {}
+        Changes(const Changes&) = delete;
+        Changes& operator=(const Changes&) = delete;
+        ~Changes() {
+            if (m_held) m_database.endChanges();
+        }
+        explicit operator bool() const { return m_held; }
+
+    private:
+        SongDatabase& m_database;
+        bool m_held;
+    };
 
     // --- Opening and saving ------------------------------------------------------
 
     // Reads the index, drops the entries whose song file is gone, adds and
     // refreshes entries from the song files folder, sorts the text entries
     // and saves the index when anything changed. A missing index or song
-    // files folder is no error. Opening an open library closes it first.
-    // Always 0.
+    // files folder is no error (a writable library creates its folders).
+    // Opening an open library closes it first. Always 0; without a database
+    // folder nothing is read or written and lastError() holds
+    // StatusNoFolder.
     unsigned open();
     // Saves the index when it changed and deletes every entry. Always 0.
     unsigned close();
-    // Saves the index. Always 0.
+    // Saves the index. Always 0; lastError() tells whether it was written.
     unsigned flush();
 
     // True when the index in memory differs from the index file.
@@ -136,7 +205,9 @@ public:
 
     // Takes the song out of the library and deletes its song file (the
     // library's own copy); with `save` the index is saved. An entry that is
-    // not this library's is left alone.
+    // not this library's is left alone, and so is an entry whose file cannot
+    // be deleted (lastError() says why): a song taken out of the index but
+    // left on disk would come back at the next open.
     void removeEntry(SongDBFileEntry* file, bool save);
 
     // Reads an entry's song file again after it was edited: the held song
@@ -189,8 +260,8 @@ public:
 
 protected:
     // Writes the index file; `changed` is cleared when that succeeded. 0 or
-    // the status of the failed write.
-    [[nodiscard]] Status saveDatabaseFiles();
+    // the status of the failed write (also kept in lastError()).
+    Status saveDatabaseFiles();
 
     // Reads a song file of the song files folder into a new entry and writes
     // its index section; null when it is not a song.
@@ -218,6 +289,8 @@ private:
     using EntriesByName = std::unordered_map<String, SongDBFileEntry*>;
 
     SongDBFileEntry* addFileEntry(const String& path, std::shared_ptr<Song> loaded);
+    // The entries by their exact file names.
+    EntriesByName entriesByName() const;
     // scanSongFolder() over a listing of the folder, and the entries by
     // name, already made.
     void scanSongFolder(const std::vector<FolderItem>& items, const EntriesByName& byName);
@@ -228,6 +301,23 @@ private:
     // pointers to it stay valid) and makes its index section, text entries
     // and lookups anew.
     void takeContents(SongDBFileEntry* file, const Song& fresh);
+    // Reads a song file of the library's folder into `song`. False when it
+    // does not read as a song, or is markup that did not parse and has no
+    // uuid. A song without a usable uuid takes `knownUuid` (a fresh one when
+    // empty) and is written back with it (unless the library is read-only).
+    bool readLibrarySong(Song& song, const String& path, const String& knownUuid);
+    // Writes a song into the library's folder, noting a failure.
+    bool writeLibrarySong(Song& song, const String& path);
+    // Drops the entries whose file is gone and scans the folder again: what
+    // another program changed while this one did not hold the lock.
+    void catchUp();
+    // The section of each entry is named by its uuid; a section named
+    // otherwise (written by hand, or by an older program) is renamed, or
+    // dropped for the scan to add its file afresh when the name is taken.
+    bool keySectionByUuid(ConfigKey* key, SongDBFileEntry* file, StringArray& stale);
+    // Notes that files of the folder changed, so that other programs take
+    // it in when they next take the lock.
+    void noteFolderChanged() { m_folderChanged = true; }
     // Takes the entry out of the lists, the lookups and the index; its song
     // file stays.
     void dropEntry(SongDBFileEntry* file);
@@ -255,6 +345,16 @@ private:
     String m_databaseFolder;  // as set; empty for the configured one
     String m_hostName;        // as set; empty for the computer's
     Dialogs* m_dialogs = nullptr;
+    bool m_readOnly = false;
+    bool m_opened = false;  // open() has read the library
+    FileError m_error;
+    FileLock m_lock;
+    int m_changeDepth = 0;
+    bool m_folderChanged = false;   // files of the folder changed under this lock
+    std::uint64_t m_seenChanges = 0;  // the lock's change count when this library last looked
+    std::optional<std::int64_t> m_folderStamp;  // the song files folder's time then
+    std::chrono::milliseconds m_lockTimeout{30000};
+    FileLock::WaitNotice m_lockNotice;
     String m_openFolder;      // as open() settled it
     mutable Lookup m_byUuid;
     mutable Lookup m_byFilename;

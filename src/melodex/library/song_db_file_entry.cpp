@@ -78,31 +78,11 @@ void SongDBFileEntry::clear() {
 bool SongDBFileEntry::load(const String& path) {
     if (path.empty()) return m_song != nullptr;
     if (!m_song) m_song = std::make_shared<Song>();
-    if (!readLibrarySong(*m_song, path, {})) {
+    if (!m_database->readLibrarySong(*m_song, path, {})) {
         m_song.reset();
         return false;
     }
     fillFromSong(path);
-    return true;
-}
-
-bool SongDBFileEntry::readLibrarySong(Song& song, const String& path, const String& knownUuid) {
-    // Not written back: a file that is not a song stays as it was.
-    if (song.loadFromFile(path) != StatusSuccess || !isSong(song)) return false;
-    if (hasUsableUuid(song)) return true;
-    // Markup that did not parse reads as plain text whose first line is a
-    // tag; writing the uuid back would turn the user's (repairable) file
-    // into lines of raw markup, so such a file is left alone.
-    if (isUnreadMarkup(song)) return false;
-    // The uuid is the song's name in the index and in song sets: written
-    // into the file it stays the same however often the library is rebuilt,
-    // and a song saved elsewhere without it keeps the one the library knows.
-    if (knownUuid.empty()) {
-        song.generateUUID();
-    } else {
-        song.uuid(knownUuid);
-    }
-    (void)song.saveToFile(path, SongFileType::Song);
     return true;
 }
 
@@ -236,6 +216,19 @@ bool SongDBFileEntry::load(const ConfigKey* key,
     return true;
 }
 
+String SongDBFileEntry::listedTitle(const Song& song) {
+    String title = strip(song.info().title(), Blanks);
+    return title.empty() ? firstLineOf(song) : title;
+}
+
+String SongDBFileEntry::listedTitle() const {
+    if (!m_title.empty()) return m_title;
+    for (const SongDBTextEntry* text : m_texts) {
+        if (text->type() != SongDBTextEntry::IndexEntry) return text->text();
+    }
+    return baseNameOf(m_filename);
+}
+
 String SongDBFileEntry::firstLineOf(const Song& song) {
     // Only the first section counts, however many there are: the index has
     // always been written that way.
@@ -267,7 +260,10 @@ bool SongDBFileEntry::isUnreadMarkup(const Song& song) {
 }
 
 bool SongDBFileEntry::hasUsableUuid(const Song& song) {
-    const String& uuid = song.uuid();
+    return hasUsableUuidText(song.uuid());
+}
+
+bool SongDBFileEntry::hasUsableUuidText(const String& uuid) {
     if (uuid.empty() || uuid.size() > 64) return false;
     for (char c : uuid) {
         const bool usable = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') ||

@@ -118,6 +118,12 @@ public:
     // paths to follow).
     bool load(const ConfigKey* key);
 
+    // The name a song is listed and found under: its title, else its first
+    // line. The entry's form uses what the index holds and falls back to
+    // the file name without extension.
+    static String listedTitle(const Song& song);
+    String listedTitle() const;
+
     // The text of the first non-blank line of the song's first section,
     // without surrounding blanks; later sections are never looked at, so a
     // song whose first section is blank has no first line.
@@ -134,6 +140,7 @@ public:
     // "]", an "=") would let a song file rewrite other entries of the index,
     // so the library treats such a song as having no uuid and gives it one.
     static bool hasUsableUuid(const Song& song);
+    static bool hasUsableUuidText(const String& uuid);
 
     // True when a file read as plain text begins with a tag: markup that did
     // not parse (a damaged song file). The library never rewrites such a
@@ -147,11 +154,6 @@ private:
     // already at hand (null: ask the file system).
     bool load(const ConfigKey* key, const std::unordered_set<std::string_view>* present);
 
-    // Reads a song file of the library's folder into `song`. False when it
-    // does not read as a song, or is markup that did not parse and has no
-    // uuid. A song without a usable uuid takes `knownUuid` (a fresh one when
-    // empty) and is written back with it.
-    static bool readLibrarySong(Song& song, const String& path, const String& knownUuid);
 
     // load(path) for a song already read from that path; the entry takes it.
     bool loadFromSong(std::shared_ptr<Song> song, const String& path);

@@ -20,6 +20,8 @@
 
 namespace melodex {
 
+class SongDisplayProfile;
+
 class SongChord {
 public:
     explicit SongChord(std::string_view symbol = {}, int offset = 0);
@@ -39,6 +41,19 @@ public:
     // chord as stored comes first and the transposed one follows in brackets,
     // with nothing between them: "Am7/G(Bm7/A)". Empty for an invalid chord.
     String toString(int transpose = 0, bool showBoth = false) const;
+
+    // The text drawn for the chord under a display profile: moved by
+    // `transpose` + `localTranspose` semitones and spelled from the profile's
+    // table in its current key (set it to the key of the song as shown). A
+    // non-zero `capo` is added to the notes, and the spelling row moves with
+    // it: for a capo on fret f pass -f, so that F with -3 shows the D shape.
+    // The profile's flags choose what shows: with showChords the chord
+    // ("F", or "F(D)" with capoChordsInBrackets and a capo: sounding chord
+    // first), else with showBass only the bass note (the root when there is
+    // none), else nothing. Empty for an invalid chord or a null profile.
+    // Defined with the profile (display/chord_display.cpp).
+    String getDisplayString(const SongDisplayProfile* profile, int transpose, int localTranspose,
+                            int capo) const;
 
     // Moves root and bass. The root moves even when the chord is invalid (it
     // then becomes valid with an empty postfix), and the result may be 12,

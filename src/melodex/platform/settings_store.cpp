@@ -47,10 +47,16 @@ ConfigKey SettingsStore::snapshot() const {
 }
 
 Status SettingsStore::setString(std::string_view name, std::string_view value) {
+    return setStrings({{String(name), String(value)}});
+}
+
+Status SettingsStore::setStrings(const std::vector<std::pair<String, String>>& values) {
     String file = path();
     IniFile ini;
     if (Status status = loadForChange(file, ini); status != StatusSuccess) return status;
-    ini.createKey(SettingsSection)->setString(name, value);
+    ConfigKey* section = ini.createKey(SettingsSection);
+    for (const auto& [name, value] : values)
+        section->setString(name, value);
     // A folder that cannot be made shows up as the save's own error.
     if (String folder = folderOf(file); !folder.empty()) createFolders(folder);
     return ini.save(file);

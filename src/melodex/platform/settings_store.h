@@ -22,6 +22,7 @@
 #include <optional>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "melodex/foundation/ini_file.h"
 #include "melodex/foundation/status.h"
@@ -59,6 +60,10 @@ public:
     // cannot be read is left alone (its error is returned) rather than
     // replaced by one that holds this value only.
     [[nodiscard]] Status setString(std::string_view name, std::string_view value);
+
+    // Sets several values (name, value) in one change of the file, so that
+    // readers see all of them or none.
+    [[nodiscard]] Status setStrings(const std::vector<std::pair<String, String>>& values);
 
     // Removes the value, so that readers get their defaults again. Removing
     // a value that is not there succeeds without writing.

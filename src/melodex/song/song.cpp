@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "melodex/foundation/file_system.h"
 #include "melodex/foundation/string_tables.h"
 #include "melodex/foundation/uuid.h"
 #include "melodex/song/vocabulary.h"
@@ -150,6 +151,10 @@ String Song::toString() const {
         out += section->id().empty() ? "?" : section->id();
     }
     return out;
+}
+
+String Song::pathWithFileExtension(std::string_view path, int fileType) {
+    return joinPath(folderOf(path), baseNameOf(path) + getFileExtension(fileType));
 }
 
 String Song::getFileExtension(int fileType) {

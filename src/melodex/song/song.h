@@ -159,6 +159,9 @@ public:
 
     // ".song", ".txt", ".sng"; empty for other types.
     static String getFileExtension(int fileType);
+    // `path` with its extension replaced by the one of `fileType`, whatever
+    // was typed: "/s/Hymn.song" as text is "/s/Hymn.txt", "/s/Hymn" too.
+    static String pathWithFileExtension(std::string_view path, int fileType);
     // The localised name of the type from the string tables (section
     // "SongFileType", keys "standard", "text", "sng", "opensong", "unknown");
     // empty when no table has it.
