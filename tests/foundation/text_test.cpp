@@ -171,5 +171,30 @@ TEST(TextTest, FoldsForSearchAcrossCaseAccentsAndTypography) {
     EXPECT_EQ(foldForSearch(""), "");
 }
 
+TEST(TextTest, CountsDisplayCells) {
+    const std::pair<const char*, std::size_t> cases[] = {
+        {"Amazing", 7},
+        {"Jésus", 5},            // precomposed é: one cell
+        {"Je\u0301sus", 5},      // e and a combining acute: still one cell
+        {"奇異恩典", 8},          // wide East Asian characters: two cells each
+        {"Ｇ", 2},               // full-width forms too
+        {"e\u2060qual", 5},      // a word joiner takes no cell
+        {"Свят", 4},
+        {"", 0},
+    };
+    for (const auto& [text, cells] : cases)
+        EXPECT_EQ(displayWidth(text), cells) << text;
+    EXPECT_EQ(displayWidth(U'\t'), 0);
+    EXPECT_EQ(displayWidth(std::string_view("a\xff")), 2u);  // a byte that is no UTF-8 is U+FFFD
+}
+
+TEST(TextTest, TellsLettersAndDigitsOfAnyScript) {
+    for (char32_t c : {U'a', U'Z', U'7', U'ł', U'ß', U'Й', U'奇', U'٣', U'ⅷ'})
+        EXPECT_TRUE(isLetterOrDigit(c)) << std::uint32_t(c);
+    for (char32_t c :
+         {U' ', U'\'', U'-', U'!', U'¿', U'…', U'\u0301', U'\u2060', U'€', char32_t(0x110000)})
+        EXPECT_FALSE(isLetterOrDigit(c)) << std::uint32_t(c);
+}
+
 }  // namespace
 }  // namespace melodex

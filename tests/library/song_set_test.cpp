@@ -151,5 +151,42 @@ TEST_F(SongSetTest, PathsStayRightFromAnyFolderAndLibrarySongsOutliveTheirEntry)
     EXPECT_EQ(set.entry(0).song()->uuid(), uuid);
 }
 
+// Entries whose song is gone are left out, as they always were, and
+// recorded: what they named, where they stood and why.
+TEST_F(SongSetTest, EntriesThatDoNotResolveAreLeftOutAndRecorded) {
+    ASSERT_NE(librarySong("grace"), nullptr);
+    m_folder.write("sets/bad.song", "<song><info>");  // markup that does not parse reads as text
+    const String path =
+        m_folder.write("sets/Old.set",
+                       "<songset><SONGENTRY><database>grace-0001</database></SONGENTRY>"
+                       "<songentry><database>gone-0001</database></songentry><gap/>"
+                       "<songentry><filename>missing.song</filename></songentry>"
+                       "<songentry><filename>/dev/null</filename></songentry>"
+                       "<songentry><filename></filename></songentry>"
+                       "<songentry><other/></songentry>"
+                       "<song>bad.song</song><line/></songset>");
+    SongSet set;
+    ASSERT_EQ(set.loadFromFile(path), 0u);
+    String entries;
+    for (int i = 0; i < set.size(); ++i)
+        entries += std::to_string(set.entry(i).type());
+    EXPECT_EQ(entries, "1213") << "song, gap, the bad song read as text, line";
+    String unresolved;
+    for (const SongSet::UnresolvedEntry& entry : set.unresolvedEntries())
+        unresolved += std::to_string(entry.position) + " " + std::to_string(int(entry.source)) +
+                      " " + replaceAll(entry.name, m_folder.path(), "{tmp}") + ": " + entry.reason +
+                      "\n";
+    EXPECT_EQ(unresolved,
+              "1 0 gone-0001: not in the library\n"
+              "2 1 {tmp}/sets/missing.song: No such file or directory\n"
+              "2 1 /dev/null: not a regular file\n"
+              "2 1 : the entry names no file\n"
+              "2 3 : the entry names no song\n");
+    SongSet copy(set);
+    EXPECT_EQ(copy.unresolvedEntries().size(), 5u);
+    ASSERT_NE(set.loadFromFile(m_folder.file("sets/none.set")), 0u);
+    EXPECT_TRUE(set.unresolvedEntries().empty());
+}
+
 }  // namespace
 }  // namespace melodex

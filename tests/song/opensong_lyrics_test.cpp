@@ -33,7 +33,7 @@ TEST(OpenSongLyricsTest, EveryCaseGivesItsSectionsChordByChord) {
         }
         EXPECT_EQ(sections, text.substr(split + 6));
     }
-    EXPECT_GE(cases, 9);
+    EXPECT_GE(cases, 15);
 }
 
 TEST(OpenSongLyricsTest, HugeRowsCostTheirLengthOnly) {
@@ -42,13 +42,14 @@ TEST(OpenSongLyricsTest, HugeRowsCostTheirLengthOnly) {
     ASSERT_EQ(sections.size(), 1u);
     EXPECT_EQ(inlined(*sections[0].section->getLine(0)), "[G]x");
 
-    // Every break makes a line, so a smaller row is enough here.
+    // Every break makes a line, so a smaller row is enough here. The "|" at
+    // the end leaves an empty line.
     String broken = "[V]\n ";
     for (std::size_t i = 0; i < size / 64; ++i)
         broken += "a|||";
     sections = OpenSongLyrics::read(broken);
     ASSERT_EQ(sections.size(), 1u);
-    EXPECT_EQ(std::size_t(sections[0].section->getLineCount()), size / 64);
+    EXPECT_EQ(std::size_t(sections[0].section->getLineCount()), size / 64 + 1);
 }
 
 // Every song file under opensong/ reads as its ".expected" file says, section by

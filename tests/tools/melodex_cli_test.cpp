@@ -1,5 +1,5 @@
-// The melodex program run as a user runs it, replaying the session in
-// tests/data/cli/session.txt (its notes say how).
+// The melodex program run as a user runs it, replaying each session in
+// tests/data/cli/session*.txt (session.txt's notes say how).
 
 #include <sys/wait.h>
 
@@ -50,11 +50,13 @@ String maskUuids(const String& text) {
     return out;
 }
 
-TEST(MelodexCliTest, ASessionPrintsWhatItsTranscriptSays) {
+// Replays one session in a temporary folder of its own.
+void replay(const String& session) {
+    SCOPED_TRACE(session);
     const test::TempFolder folder;
     const String data = MELODEX_TEST_DATA_DIR;
-    const StringArray lines = split(folder.read(data + "/cli/session.txt"), "\n");
-    ASSERT_GT(lines.size(), 100u);
+    const StringArray lines = split(folder.read(data + "/cli/" + session), "\n");
+    ASSERT_GT(lines.size(), 20u);
     for (std::size_t i = 0; i < lines.size(); ++i) {
         if (!lines[i].starts_with("$ ")) continue;
         String expected;
@@ -77,10 +79,15 @@ TEST(MelodexCliTest, ASessionPrintsWhatItsTranscriptSays) {
                                        {MELODEX_CLI_PROGRAM, "melodex"}})
             actual = replaceAll(actual, from, to);
         actual = strip(maskListedIds(maskUuids(actual)), "\n", StripSide::End);
-        SCOPED_TRACE("session.txt:" + std::to_string(i + 1) + ": " + lines[i]);
+        SCOPED_TRACE(session + ":" + std::to_string(i + 1) + ": " + lines[i]);
         EXPECT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, expectedExit);
         EXPECT_EQ(actual, strip(expected, "\n", StripSide::End));
     }
+}
+
+TEST(MelodexCliTest, EachSessionPrintsWhatItsTranscriptSays) {
+    for (const char* session : {"session.txt", "session_songs.txt"})
+        replay(session);
 }
 
 }  // namespace

@@ -1,11 +1,15 @@
 #include "set_commands.h"
 
+#include <cstdio>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <fmt/core.h>
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
+#include "command_line.h"
 #include "library_commands.h"
 #include "melodex/foundation/file_system.h"
 #include "melodex/foundation/status.h"
@@ -17,25 +21,55 @@ namespace melodex::cli {
 
 namespace {
 
+using Json = nlohmann::ordered_json;
+using Unresolved = SongSet::UnresolvedEntry;
+
 struct ShowOptions {
     std::string file;
     bool chords = false;
+    bool json = false;
 };
+
+// One item of the set as the file gave it: an entry, or one the reader left out.
+struct Item {
+    const SongSetEntry* entry = nullptr;
+    const Unresolved* missing = nullptr;
+};
+
+std::vector<Item> itemsOf(const SongSet& set) {
+    std::vector<Item> items;
+    const std::vector<Unresolved>& missing = set.unresolvedEntries();
+    std::size_t next = 0;
+    for (int i = 0; i <= set.size(); ++i) {
+        for (; next < missing.size() && missing[next].position <= i; ++next)
+            items.push_back({nullptr, &missing[next]});
+        if (i < set.size()) items.push_back({&set.entry(i), nullptr});
+    }
+    return items;
+}
 
 String signedNumber(int value) {
     return value > 0 ? "+" + std::to_string(value) : std::to_string(value);
 }
 
+// A song file's path as the listing shows it: below the set's folder
+// relative to it, so that lines stay short.
+String shownPath(const String& path, const SongSet& set) {
+    const String folder = absolutePath(folderOf(set.filename()));
+    const String relative = relativePath(path, folder);
+    return relative.starts_with("../") ? path : relative;
+}
+
+String sourceOf(const SongSetEntry& entry) {
+    if (entry.dbflag()) return "library";
+    return entry.song()->filename().empty() ? "embedded" : "file";
+}
+
 // Where the entry's song comes from and what this use changes.
-String describe(const SongSetEntry& entry) {
+String describe(const SongSetEntry& entry, const SongSet& set) {
     StringArray notes;
-    if (entry.dbflag()) {
-        notes.push_back("library");
-    } else if (!entry.song()->filename().empty()) {
-        notes.push_back("file " + entry.song()->filename());
-    } else {
-        notes.push_back("embedded");
-    }
+    const String source = sourceOf(entry);
+    notes.push_back(source == "file" ? "file " + shownPath(entry.song()->filename(), set) : source);
     notes.push_back("key " + entry.song()->info().keyName(entry.transpose()));
     if (entry.transpose() != 0) notes.push_back("transpose " + signedNumber(entry.transpose()));
     if (entry.capo() != 0) notes.push_back("capo " + std::to_string(entry.capo()));
@@ -44,32 +78,146 @@ String describe(const SongSetEntry& entry) {
     return join(notes, ", ");
 }
 
-void showSet(const ShowOptions& options) {
-    OpenLibrary library;
-
-    SongSet set;
-    if (const Status status = set.loadFromFile(options.file); status != StatusSuccess) {
-        fmt::print(stderr, "melodex: cannot read the song set {}: {}\n", options.file,
-                   status == StatusFailed ? String("no <songset> element") : statusMessage(status));
-        throw CLI::RuntimeError(1);
+const char* sourceWord(Unresolved::Source source) {
+    switch (source) {
+        case Unresolved::Source::Library:
+            return "library";
+        case Unresolved::Source::File:
+            return "file";
+        case Unresolved::Source::Embedded:
+            return "embedded";
+        case Unresolved::Source::None:
+            break;
     }
-    fmt::print("{}: {} item{}\n", fileNameOf(options.file), set.size(), set.size() == 1 ? "" : "s");
-    for (int i = 0; i < set.size(); ++i) {
-        const SongSetEntry& entry = set.entry(i);
+    return "none";
+}
+
+// "library song gone-0001: not in the library", "the entry names no song"
+String describe(const Unresolved& missing, const SongSet& set) {
+    String what;
+    switch (missing.source) {
+        case Unresolved::Source::Library:
+            what = "library song " + missing.name;
+            break;
+        case Unresolved::Source::File:
+            what = missing.name.empty() ? "song file" : "file " + shownPath(missing.name, set);
+            break;
+        case Unresolved::Source::Embedded:
+            what = "embedded song";
+            break;
+        case Unresolved::Source::None:
+            return missing.reason;
+    }
+    return what + ": " + missing.reason;
+}
+
+// The song as a chord sheet in the entry's running order, transposed as the
+// entry says.
+String sheetOf(const SongSetEntry& entry) {
+    ChordSheetOptions options;
+    options.transpose = entry.transpose();
+    options.sequence = entry.getSequence();
+    return chordSheet(*entry.song(), options);
+}
+
+void printListing(const SongSet& set, const std::vector<Item>& items, const ShowOptions& options) {
+    const std::size_t missing = set.unresolvedEntries().size();
+    fmt::print("{}: {} item{}{}\n", fileNameOf(options.file), items.size(),
+               items.size() == 1 ? "" : "s",
+               missing == 0 ? String() : ", " + std::to_string(missing) + " missing");
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        const std::size_t number = i + 1;
+        if (items[i].missing) {
+            fmt::print("{:2}. (missing) {}\n", number, describe(*items[i].missing, set));
+            continue;
+        }
+        const SongSetEntry& entry = *items[i].entry;
         switch (entry.type()) {
             case SongSetEntry::Gap:
-                fmt::print("{:2}. (gap)\n", i + 1);
+                fmt::print("{:2}. (gap)\n", number);
                 continue;
             case SongSetEntry::Line:
-                fmt::print("{:2}. ----------\n", i + 1);
+                fmt::print("{:2}. ----------\n", number);
                 continue;
             default:
                 break;
         }
         if (!entry.song()) continue;
-        fmt::print("{:2}. {}  ({})\n", i + 1, listedTitle(*entry.song()), describe(entry));
-        if (options.chords) fmt::print("\n{}\n", chordSheet(*entry.song(), entry.transpose()));
+        fmt::print("{:2}. {}  ({})\n", number, listedTitle(*entry.song()), describe(entry, set));
+        if (options.chords) fmt::print("\n{}\n", sheetOf(entry));
     }
+}
+
+Json jsonOf(const SongSet& set, const std::vector<Item>& items, const ShowOptions& options) {
+    Json list = Json::array();
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        Json item;
+        item["position"] = i + 1;
+        if (items[i].missing) {
+            const Unresolved& missing = *items[i].missing;
+            item["type"] = "missing";
+            item["source"] = sourceWord(missing.source);
+            item["name"] = missing.name;
+            item["reason"] = missing.reason;
+            list.push_back(std::move(item));
+            continue;
+        }
+        const SongSetEntry& entry = *items[i].entry;
+        if (entry.type() == SongSetEntry::Gap || entry.type() == SongSetEntry::Line ||
+            !entry.song()) {
+            item["type"] = entry.type() == SongSetEntry::Gap ? "gap" : "line";
+            list.push_back(std::move(item));
+            continue;
+        }
+        const Song& song = *entry.song();
+        item["type"] = "song";
+        item["source"] = sourceOf(entry);
+        item["uuid"] = song.uuid();
+        item["path"] = song.filename();
+        item["title"] = listedTitle(song);
+        item["key"] = song.info().keyName(entry.transpose());
+        item["transpose"] = entry.transpose();
+        item["capo"] = entry.capo();
+        item["tempo"] = entry.tempo();
+        item["localTranspose"] = entry.localTranspose();
+        item["sequence"] = entry.sequence();
+        item["runningOrder"] = entry.getSequence();
+        if (options.chords) item["chordSheet"] = sheetOf(entry);
+        list.push_back(std::move(item));
+    }
+    Json out;
+    out["file"] = options.file;
+    out["items"] = std::move(list);
+    out["missing"] = set.unresolvedEntries().size();
+    return out;
+}
+
+void showSet(const ShowOptions& options) {
+    OpenLibrary library;
+
+    SongSet set;
+    if (const Status status = set.loadFromFile(options.file); status != StatusSuccess) {
+        fail("cannot read the song set " + options.file + ": " +
+             (status == StatusFailed ? String("no <songset> element") : statusMessage(status)));
+    }
+    const std::vector<Item> items = itemsOf(set);
+    if (options.json) {
+        // Invalid UTF-8 in a song becomes U+FFFD rather than failing the dump.
+        fmt::print("{}\n",
+                   jsonOf(set, items, options).dump(2, ' ', false, Json::error_handler_t::replace));
+    } else {
+        printListing(set, items, options);
+    }
+    if (set.unresolvedEntries().empty()) return;
+    // The listing first, then the warnings, in this order even when both
+    // streams go to one file.
+    std::fflush(stdout);
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (items[i].missing)
+            warn(fileNameOf(options.file) + ", item " + std::to_string(i + 1) + ": " +
+                 describe(*items[i].missing, set));
+    }
+    throw CLI::RuntimeError(ExitFailed);
 }
 
 }  // namespace
@@ -84,7 +232,9 @@ void addSetCommands(CLI::App& app) {
         "show", "List a song set: its songs with their key and changes, gaps and lines");
     showCommand->add_option("FILE", show->file, "a song set file")->required();
     showCommand->add_flag("-c,--chords", show->chords,
-                          "print each song with its chords, transposed as the set says");
+                          "print each song with its chords, in the running order and "
+                          "transposed as the set says");
+    showCommand->add_flag("--json", show->json, "print the set as one JSON object");
     showCommand->callback([show] { showSet(*show); });
 }
 

@@ -2,11 +2,15 @@
 
 // The "set" commands of the melodex program:
 //
-//     melodex [--data DIR] set show FILE [--chords]   the running order of a song set
+//     melodex [--data DIR] set show FILE [--chords] [--json]   the running order of a song set
 //
 // Songs the set takes from the library are looked up in the library that
-// --data chooses (the configured one by default). Exit codes: 0 success, 1
-// failure (the reason on stderr), 2 usage.
+// --data chooses (the configured one by default). An entry whose song cannot
+// be found (not in the library, a missing or unreadable file) is listed as
+// missing in its place, with a warning on standard error, and the command
+// ends with 1. --chords prints each song as a chord sheet in the running
+// order of its entry; --json prints the same as one JSON object. Exit codes:
+// 0 done, 1 failed or songs missing (the reasons on standard error), 2 usage.
 
 namespace CLI {
 class App;

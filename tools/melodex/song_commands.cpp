@@ -1,16 +1,17 @@
 #include "song_commands.h"
 
-#include <cstdio>
 #include <memory>
 #include <string>
 
 #include <fmt/core.h>
 #include <CLI/CLI.hpp>
 
+#include "command_line.h"
 #include "melodex/foundation/file_system.h"
-#include "melodex/foundation/status.h"
+#include "melodex/library/song_db_file_entry.h"
 #include "melodex/song/chord_sheet.h"
 #include "melodex/song/song.h"
+#include "melodex/song/song_conversion.h"
 
 namespace melodex::cli {
 
@@ -27,36 +28,69 @@ struct ConvertOptions {
     std::string type;  // "song", "txt", "sng"; empty: from the output's extension
 };
 
-[[noreturn]] void fail(const std::string& what, const std::string& path, Status status) {
-    fmt::print(stderr, "melodex: cannot {} {}: {}\n", what, path, statusMessage(status));
-    throw CLI::RuntimeError(1);
+// The song in a file, or on standard input for "-", whatever its format.
+Song readSong(const std::string& path) {
+    Song song;
+    (void)song.loadFromText(readInput(path));
+    // Text that is no song (binary data, XML of another kind) would read as
+    // lines of noise or as nothing.
+    if (!SongDBFileEntry::isSong(song))
+        fail((isStandardStream(path) ? String("standard input") : path) + " holds no song");
+    return song;
 }
 
 // The type named on the command line, else the one the output's extension
-// names, else the native song file.
+// names; the song layout for a name without extension (and for "-").
 int fileTypeFor(const ConvertOptions& options) {
-    const String type = options.type.empty() ? extensionOf(options.output) : "." + options.type;
-    for (int fileType : {SongFileType::Song, SongFileType::Text, SongFileType::Sng}) {
-        if (equalsIgnoreCase(type, Song::getFileExtension(fileType))) return fileType;
+    if (!options.type.empty()) {
+        for (int type : {SongFileType::Song, SongFileType::Text, SongFileType::Sng}) {
+            if (equalsIgnoreCase("." + options.type, Song::getFileExtension(type))) return type;
+        }
     }
-    return SongFileType::Song;
+    if (const int type = songFileTypeForPath(options.output)) return type;
+    const String extension = isStandardStream(options.output) ? "" : extensionOf(options.output);
+    if (extension.empty()) return SongFileType::Song;
+    failUsage("\"" + extension +
+              "\" is no song file extension (.song, .xml, .txt, .sng); give --type song, txt or "
+              "sng to write " +
+              options.output + " all the same");
+}
+
+String typeName(int fileType) {
+    switch (fileType) {
+        case SongFileType::Text:
+            return "plain text";
+        case SongFileType::Sng:
+            return "an .sng file";
+        default:
+            return "a song file";
+    }
+}
+
+// "a, b and c"
+String listed(const StringArray& items) {
+    String out;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (i > 0) out += i + 1 == items.size() ? " and " : ", ";
+        out += items[i];
+    }
+    return out;
 }
 
 void showSong(const ShowOptions& options) {
-    Song song;
-    if (const Status status = song.loadFromFile(options.file); status != StatusSuccess)
-        fail("read", options.file, status);
+    const Song song = readSong(options.file);
     fmt::print("{}", chordSheet(song, options.transpose));
 }
 
 void convertSong(const ConvertOptions& options) {
-    Song song;
-    if (const Status status = song.loadFromFile(options.input); status != StatusSuccess)
-        fail("read", options.input, status);
-    if (const Status status = song.saveToFile(options.output, fileTypeFor(options));
-        status != StatusSuccess) {
-        fail("write", options.output, status);
+    const int type = fileTypeFor(options);
+    Song song = readSong(options.input);
+    const StringArray lost = dataLostBySaving(song, type);
+    if (!lost.empty()) {
+        const String where = isStandardStream(options.output) ? "standard output" : options.output;
+        warn(where + " is " + typeName(type) + ", which drops " + listed(lost));
     }
+    writeOutput(options.output, song.saveToBytes(type));
 }
 
 }  // namespace
@@ -68,7 +102,9 @@ void addSongCommands(CLI::App& app) {
     auto show = std::make_shared<ShowOptions>();
     CLI::App* showCommand =
         song->add_subcommand("show", "Print a song with its chords above the lyrics");
-    showCommand->add_option("FILE", show->file, "a song file (.song, .sng, .txt, OpenSong)")
+    showCommand
+        ->add_option("FILE", show->file,
+                     "a song file (.song, .sng, .txt, OpenSong ...), or - for standard input")
         ->required();
     showCommand->add_option("-t,--transpose", show->transpose, "semitones to move chords and key")
         ->check(CLI::Range(-12, 12));
@@ -77,11 +113,16 @@ void addSongCommands(CLI::App& app) {
     auto convert = std::make_shared<ConvertOptions>();
     CLI::App* convertCommand =
         song->add_subcommand("convert", "Read any song file and write it as song, txt or sng");
-    convertCommand->add_option("IN", convert->input, "the song file to read")->required();
-    convertCommand->add_option("OUT", convert->output, "the file to write")->required();
+    convertCommand
+        ->add_option("IN", convert->input, "the song file to read, or - for standard input")
+        ->required();
+    convertCommand
+        ->add_option("OUT", convert->output, "the file to write, or - for standard output")
+        ->required();
     convertCommand
         ->add_option("--type", convert->type,
-                     "song, txt or sng (default: from OUT's extension, else song)")
+                     "song, txt or sng (default: from OUT's extension: .song and .xml song, .txt, "
+                     ".sng; song for none)")
         ->check(CLI::IsMember({"song", "txt", "sng"}, CLI::ignore_case));
     convertCommand->callback([convert] { convertSong(*convert); });
 }

@@ -5,9 +5,13 @@
 //     melodex song show FILE [--transpose N]     print a song as a chord sheet
 //     melodex song convert IN OUT [--type T]     write a song as song, txt or sng
 //
-// A command that fails prints the reason on stderr and ends the program with
-// exit code 1 (it throws CLI::RuntimeError(1), which CLI::App::exit passes
-// through without a message of its own).
+// FILE, IN and OUT may be "-" for standard input or output; the format of
+// what is read is found from its content. OUT's extension chooses the type
+// (.song and .xml the song layout, .txt, .sng; none: the song layout); any
+// other extension is refused unless --type says what to write. A type that
+// cannot hold all of the song (chords, information ...) is written with a
+// warning on standard error that names what is dropped. Exit codes: 0 done,
+// 1 failed (the reason on standard error), 2 usage.
 
 namespace CLI {
 class App;

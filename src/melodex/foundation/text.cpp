@@ -206,6 +206,51 @@ void insertAtCodePoint(String& text, std::size_t index, std::string_view inserti
     text.insert(codePointToByteOffset(text, index), insertion);
 }
 
+// --- Character properties --------------------------------------------------
+
+bool isLetterOrDigit(char32_t codePoint) {
+    if (codePoint < 0x80) {
+        return (codePoint >= 'a' && codePoint <= 'z') || (codePoint >= 'A' && codePoint <= 'Z') ||
+               (codePoint >= '0' && codePoint <= '9');
+    }
+    if (codePoint > 0x10FFFF) return false;
+    switch (utf8proc_category(utf8proc_int32_t(codePoint))) {
+        case UTF8PROC_CATEGORY_LU:
+        case UTF8PROC_CATEGORY_LL:
+        case UTF8PROC_CATEGORY_LT:
+        case UTF8PROC_CATEGORY_LM:
+        case UTF8PROC_CATEGORY_LO:
+        case UTF8PROC_CATEGORY_ND:
+        case UTF8PROC_CATEGORY_NL:
+        case UTF8PROC_CATEGORY_NO:
+            return true;
+        default:
+            return false;
+    }
+}
+
+// --- Display cells ---------------------------------------------------------
+
+int displayWidth(char32_t codePoint) {
+    if (codePoint >= 0x20 && codePoint < 0x7F) return 1;
+    if (codePoint > 0x10FFFF) return 1;
+    return utf8proc_charwidth(utf8proc_int32_t(codePoint));
+}
+
+std::size_t displayWidth(std::string_view text) {
+    std::size_t cells = 0;
+    for (std::size_t pos = 0; pos < text.size();) {
+        const auto c = static_cast<unsigned char>(text[pos]);
+        if (c >= 0x20 && c < 0x7F) {
+            ++cells;
+            ++pos;
+        } else {
+            cells += std::size_t(displayWidth(decodeUtf8(text, pos)));
+        }
+    }
+    return cells;
+}
+
 // --- Case ------------------------------------------------------------------
 
 char32_t foldCase(char32_t codePoint) {

@@ -12,6 +12,7 @@
 // valid sequence counts as one character (U+FFFD when decoded).
 //
 //     codePointLength("Jésus");                   // 5
+//     displayWidth("奇異");                        // 4 cells: wide characters
 //     insertAtCodePoint(line, 3, "[G]");          // before the fourth character
 //     equalsIgnoreCase("ÉGLISE", "église");       // true
 //     split("V1,C1,,V2", ",", EmptyPieces::Skip); // {"V1", "C1", "V2"}
@@ -65,6 +66,24 @@ String codePointSubstring(std::string_view text, std::size_t start,
 // Inserts `insertion` before the code point at `index`; an index at or past
 // the end appends.
 void insertAtCodePoint(String& text, std::size_t index, std::string_view insertion);
+
+// --- Character properties --------------------------------------------------
+
+// True for letters and digits of any script (Unicode categories L and N):
+// what a search compares, as against punctuation, symbols and blanks.
+bool isLetterOrDigit(char32_t codePoint);
+
+// --- Display cells ---------------------------------------------------------
+
+// The terminal cells a code point takes in a monospaced display, by
+// utf8proc's width table: 2 for wide East Asian characters and emoji, 0 for
+// combining marks, format characters (U+2060 WORD JOINER ...) and control
+// characters, 1 for the rest.
+int displayWidth(char32_t codePoint);
+
+// The cells of the whole text: displayWidth("奇異恩典") is 8, that of
+// "e\u0301" (e and a combining acute) is 1.
+std::size_t displayWidth(std::string_view text);
 
 // --- Case ------------------------------------------------------------------
 

@@ -1,6 +1,8 @@
 #include "melodex/library/song_set.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <filesystem>
 
 #include "melodex/foundation/file_system.h"
 #include "melodex/foundation/text_file.h"
@@ -25,6 +27,7 @@ SongSet& SongSet::operator=(const SongSet& other) {
     m_entries = std::move(entries);
     m_filename = other.m_filename;
     m_database = other.m_database;
+    m_unresolved = other.m_unresolved;
     return *this;
 }
 
@@ -67,6 +70,7 @@ void SongSet::move(int from, int to) {
 void SongSet::clear() {
     m_entries.clear();
     m_filename.clear();
+    m_unresolved.clear();
 }
 
 String SongSet::getFileXmlNamespace(int) {
@@ -117,29 +121,42 @@ String SongSet::resolvePath(const String& path) const {
     return absolutePath(joinPath(folderOf(m_filename), replaceAll(path, "\\", "/")));
 }
 
-namespace {
-
-// A song read from a path in a set file; null when there is no such regular
-// file or it does not read. Devices and pipes are refused: a set file must
-// not make the reader wait or read without end.
-std::unique_ptr<Song> loadSongFile(const String& path) {
-    if (!fileExists(path)) return nullptr;
-    auto song = std::make_unique<Song>();
-    if (song->loadFromFile(path) != StatusSuccess) return nullptr;
-    return song;
+void SongSet::recordUnresolved(UnresolvedEntry::Source source, const String& name,
+                               const String& reason) {
+    m_unresolved.push_back({size(), source, name, reason});
 }
 
-}  // namespace
+void SongSet::addSongFile(const String& path, const XmlNode& node) {
+    // Only a regular file is read: a set file must not make the reader wait
+    // on a pipe or read a device without end.
+    if (!fileExists(path)) {
+        std::error_code ignored;
+        const bool present = std::filesystem::exists(path, ignored);
+        recordUnresolved(UnresolvedEntry::Source::File, path,
+                         path.empty() ? String("the entry names no file")
+                         : present    ? String("not a regular file")
+                                      : statusMessage(Status(ENOENT)));
+        return;
+    }
+    auto song = std::make_unique<Song>();
+    if (const Status status = song->loadFromFile(path); status != StatusSuccess) {
+        recordUnresolved(UnresolvedEntry::Source::File, path, statusMessage(status));
+        return;
+    }
+    readAttributes(node, add(song.release(), true, false));
+}
 
 void SongSet::processSongEntryNode(const XmlNode& node) {
     if (const XmlNode filename = node.findChild("filename")) {
-        std::unique_ptr<Song> song = loadSongFile(resolvePath(strip(filename.text())));
-        if (!song) return;
-        readAttributes(node, add(song.release(), true, false));
+        addSongFile(resolvePath(strip(filename.text())), node);
     } else if (const XmlNode uuid = node.findChild("database")) {
         // The library keeps its songs; a song it no longer has drops out.
-        SongDBFileEntry* file = database().findEntryByUUID(strip(uuid.text()));
-        if (!file) return;
+        const String id = strip(uuid.text());
+        SongDBFileEntry* file = database().findEntryByUUID(id);
+        if (!file) {
+            recordUnresolved(UnresolvedEntry::Source::Library, id, "not in the library");
+            return;
+        }
         std::shared_ptr<Song> song = file->sharedSong();
         SongSetEntry& entry = add(song.get(), false, true);
         entry.holdLibrarySong(std::move(song));
@@ -149,15 +166,18 @@ void SongSet::processSongEntryNode(const XmlNode& node) {
         // A new song holds a default key; an embedded song without one must
         // not gain it.
         song->clear();
-        if (song->loadFromXmlNode(embedded) != StatusSuccess) return;
+        if (const Status status = song->loadFromXmlNode(embedded); status != StatusSuccess) {
+            recordUnresolved(UnresolvedEntry::Source::Embedded, {}, statusMessage(status));
+            return;
+        }
         readAttributes(node, add(song.release(), true, false));
+    } else {
+        recordUnresolved(UnresolvedEntry::Source::None, {}, "the entry names no song");
     }
 }
 
 void SongSet::processSongNode(const XmlNode& node) {
-    std::unique_ptr<Song> song = loadSongFile(resolvePath(strip(node.text())));
-    if (!song) return;
-    readAttributes(node, add(song.release(), true, false));
+    addSongFile(resolvePath(strip(node.text())), node);
 }
 
 void SongSet::processGapNode(const XmlNode&) {

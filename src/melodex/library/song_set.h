@@ -30,9 +30,12 @@
 // A song is held by its uuid in the song library (the SongDatabase set with
 // setDatabase(), theSongDB when none is; never owned),
 // by a song file path (relative ones resolved against the set file's
-// folder), or embedded whole. The reader drops, silently, an entry whose
-// song cannot be found or read, and still accepts the older entry form
-// <song>path</song>. Element names are read ignoring case.
+// folder), or embedded whole. The reader leaves out an entry whose song
+// cannot be found or read, so the rest of the set still serves; it keeps a
+// record of each such entry (unresolvedEntries: what it named, where it
+// stood and why it is missing), so that a program can tell the user. It
+// still accepts the older entry form <song>path</song>. Element names are
+// read ignoring case.
 
 #include <memory>
 #include <vector>
@@ -49,6 +52,23 @@ class XmlNode;
 
 class SongSet {
 public:
+    // An entry of the set file that the reader left out because its song
+    // could not be found or read.
+    struct UnresolvedEntry {
+        enum class Source {
+            Library,   // a uuid the library does not hold
+            File,      // a song file that is missing or does not read
+            Embedded,  // an embedded song that does not read
+            None,      // an entry that names no song at all
+        };
+        // How many entries of the set come before it: it stood between
+        // entry(position - 1) and entry(position) as the file was read.
+        int position = 0;
+        Source source = Source::None;
+        String name;    // the uuid, or the path as resolved; empty otherwise
+        String reason;  // "not in the library", "No such file or directory" ...
+    };
+
     SongSet();
     SongSet(const SongSet& other);  // entries copied as SongSetEntry copies
     SongSet& operator=(const SongSet& other);
@@ -81,6 +101,11 @@ public:
     // The path last loaded or saved.
     const String& filename() const { return m_filename; }
 
+    // The entries the last loadFromFile left out, in file order; emptied by
+    // clear() and by every load. Later changes to the set do not update the
+    // positions.
+    const std::vector<UnresolvedEntry>& unresolvedEntries() const { return m_unresolved; }
+
     // "brackwell/songset", whatever the argument.
     static String getFileXmlNamespace(int fileType = 0);
 
@@ -105,10 +130,14 @@ private:
     String resolvePath(const String& path) const;
     // Reads the per-use attributes onto the entry just added.
     static void readAttributes(const XmlNode& node, SongSetEntry& entry);
+    // Adds a song file entry, or records why it cannot be added.
+    void addSongFile(const String& path, const XmlNode& node);
+    void recordUnresolved(UnresolvedEntry::Source source, const String& name, const String& reason);
 
     std::vector<std::unique_ptr<SongSetEntry>> m_entries;
     String m_filename;
     SongDatabase* m_database = nullptr;
+    std::vector<UnresolvedEntry> m_unresolved;
 };
 
 }  // namespace melodex

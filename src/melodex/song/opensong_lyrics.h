@@ -17,10 +17,34 @@
 //         song.addSection(section.release());
 //
 // Column 0 holds the marker (".", the blank, the digit), so a chord at column
-// c stands over offset c - 1 of the lyric. Within a lyric "|" breaks the line
-// (each chord moves with its letter), "||" marks a slide break, which is
-// dropped, and "_" only stretches a word under a long chord and is removed.
-// Offsets count code points.
+// c stands over the lyric's character at column c - 1. Columns are those of
+// the monospaced editor where the author lined chords up with letters: a
+// wide East Asian character takes two, a combining mark none. The chords'
+// offsets in the song count code points, as everywhere.
+//
+// Authors line words up under chords with blanks and with "_" joiners
+// ("A______ma________zing"); neither is lyric text. A run of blanks becomes
+// one blank, a joiner goes, and every chord stays over the letter it was
+// written over: a chord over removed padding goes to the next letter kept.
+// When that letter has a chord of its own, the chord from the padding keeps
+// a place just before it: a blank where it stood over blanks, a WORD JOINER
+// (U+2060, invisible and zero-width) inside a joined word, so that "e____qual"
+// with F over the joiner and Bb over "q" reads "e\u2060qual" with F before
+// "q" and Bb on it, and the word stays whole.
+//
+// "|" breaks the line (each chord moves with its letter; a "|" at the end of
+// a row, or a row of only "|", leaves an empty line), and "||" marks a slide
+// break, which is dropped.
+//
+// Chords are read in the notation the song uses. Many collections (Polish,
+// Hungarian, Czech, German) write B natural as H, B flat as B, sharps and
+// flats as suffixes (Fis, Cis, Es, As, Des; Hungarian Fisz, Esz) and minor
+// chords in lower case (a, fis, h7). A song whose chord rows hold one such
+// chord is read in that notation throughout, into the same notes (Fis is
+// F#, B is Bb, h7 is Bm7); any other song is read in English notation, where
+// B is B natural. Cb, Fb, E# and B# read as the notes they sound (B, E, F,
+// C). What does not start with a note name (bar lines, "x2", "N.C.") is a
+// remark in the chord row and is left out.
 
 #include <memory>
 #include <string_view>
@@ -51,6 +75,7 @@ public:
 
     // The section type of a header's name, by its first letter in any case:
     // V verse, C chorus, B bridge, P pre-chorus, T tag, I intro, E ending,
+    // a digit verse ("3", "3a": a header of only a number names a verse),
     // anything else (an empty name too) misc.
     static int sectionTypeOf(std::string_view name);
 };

@@ -180,9 +180,13 @@ public:
     // takes back: only 1, 2 and 3 are meant for writing.
     String saveToText(int fileType, bool withHeader);
 
-    // Writes saveToText(fileType, true) to `path` atomically: type 3 in
-    // UTF-16 LE with BOM, the others in UTF-8; types 2 and 3 with CR LF line
-    // ends. 0, or the errno value when the file cannot be written.
+    // The bytes of the file saveToFile writes: saveToText(fileType, true),
+    // type 3 in UTF-16 LE with BOM, the others in UTF-8; types 2 and 3 with
+    // CR LF line ends. For writing anywhere else (standard output).
+    std::string saveToBytes(int fileType);
+
+    // Writes saveToBytes(fileType) to `path` atomically. 0, or the errno
+    // value when the file cannot be written.
     [[nodiscard]] Status saveToFile(std::string_view path, int fileType);
 
     // Clears the song and reads `path` as XML, else as plain text; the path
@@ -216,8 +220,10 @@ public:
     [[nodiscard]] Status loadFromXmlSet(const XmlNode& set);
 
     // Read the plain-text layout into the song without clearing it first.
-    // The file form gives 0 or the errno value of a file that cannot be read;
-    // the string form always gives 0.
+    // A text that begins with the "<uuid>...</uuid><updated>...</updated>"
+    // that saveToText writes gives the song that uuid and time, and its
+    // first lyric line starts after it. The file form gives 0 or the errno
+    // value of a file that cannot be read; the string form always gives 0.
     [[nodiscard]] Status loadFromTextFile(std::string_view path);
     [[nodiscard]] Status loadFromTextString(std::string_view text);
 

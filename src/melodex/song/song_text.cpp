@@ -4,6 +4,8 @@
 
 #include "melodex/song/song.h"
 
+#include <optional>
+
 #include "melodex/foundation/file_system.h"
 #include "melodex/foundation/text_encoding.h"
 #include "melodex/song/vocabulary.h"
@@ -14,6 +16,29 @@ namespace {
 
 bool isBlank(char c) {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+// The uuid and the time that the text writer puts in front of the first
+// lyric line ("<uuid>...</uuid><updated>YYYYMMDDhhmmss</updated>"), taken
+// off the text into the song. Anything else at the start is left as lyric.
+std::string_view takeWrittenPrefix(std::string_view text, Song& song) {
+    constexpr std::string_view UuidOpen = "<uuid>";
+    constexpr std::string_view Between = "</uuid><updated>";
+    constexpr std::string_view UpdatedClose = "</updated>";
+    if (!text.starts_with(UuidOpen)) return text;
+    const std::size_t uuidEnd = text.find(Between, UuidOpen.size());
+    if (uuidEnd == std::string_view::npos) return text;
+    const std::string_view uuid = text.substr(UuidOpen.size(), uuidEnd - UuidOpen.size());
+    if (uuid.find_first_of("<>\r\n") != std::string_view::npos) return text;
+    const std::size_t timeStart = uuidEnd + Between.size();
+    const std::size_t timeEnd = text.find(UpdatedClose, timeStart);
+    if (timeEnd == std::string_view::npos) return text;
+    const std::optional<LocalTime> time =
+        LocalTime::parse(text.substr(timeStart, timeEnd - timeStart));
+    if (!time) return text;
+    song.uuid(uuid);
+    song.updated(*time);
+    return text.substr(timeEnd + UpdatedClose.size());
 }
 
 }  // namespace
@@ -57,10 +82,14 @@ void Song::readText(std::string_view text) {
 Status Song::loadFromTextString(std::string_view text) {
     // Text in memory may be the bytes of a file: decode them as a file would
     // be. Plain UTF-8, the common case, is read where it lies.
+    // The prefix that the writer puts in front of the first line is no
+    // lyric: its uuid and time are the song's own, so that a text song
+    // written by this library reads back as the same song.
     if (detectEncoding(text) == TextEncoding::Utf8) {
-        readText(text);
+        readText(takeWrittenPrefix(text, *this));
     } else {
-        readText(decodeText(text));
+        const String decoded = decodeText(text);
+        readText(takeWrittenPrefix(decoded, *this));
     }
     m_loadedFileType = SongFileType::Text;
     generateSectionIDs();

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "melodex/foundation/file_system.h"
+#include "melodex/foundation/text_encoding.h"
 #include "melodex/foundation/text_file.h"
 #include "melodex/foundation/xml.h"
 #include "melodex/song/opensong_lyrics.h"
@@ -177,18 +178,19 @@ String Song::saveToText(int fileType, bool withHeader) {
     return out;
 }
 
-Status Song::saveToFile(std::string_view path, int fileType) {
-    TextFile file;
-    const auto encoding =
-        fileType == SongFileType::Sng ? TextFile::Encoding::Unicode : TextFile::Encoding::Default;
-    if (const Status status = file.open(path, TextFile::Mode::Write, encoding);
-        status != StatusSuccess) {
-        return status;
-    }
+std::string Song::saveToBytes(int fileType) {
     String text = saveToText(fileType, true);
     if (fileType == SongFileType::Text || fileType == SongFileType::Sng)
         text = replaceAll(text, "\n", "\r\n");
-    file.write(text);
+    if (fileType == SongFileType::Sng) return encodeUtf16LE(text, true);
+    return text;
+}
+
+Status Song::saveToFile(std::string_view path, int fileType) {
+    TextFile file;
+    if (const Status status = file.open(path, TextFile::Mode::Write); status != StatusSuccess)
+        return status;
+    file.write(saveToBytes(fileType));
     return file.close();
 }
 
@@ -285,9 +287,12 @@ Status Song::loadFromXmlNode(const XmlNode& song) {
             // OpenSong keeps the song's information directly in the song
             // element. The running order in "presentation" is not taken:
             // its names need not match the ids given here, so the sequence
-            // stays automatic.
+            // stays automatic. "style", like "background", holds display
+            // settings (fonts, and the word "author" for a subtitle), no
+            // song data.
             if (name == "ccli" || name == "presentation" || name == "background" ||
-                name == "user1" || name == "user2" || name == "user3" || name == "key_line") {
+                name == "style" || name == "user1" || name == "user2" || name == "user3" ||
+                name == "key_line") {
                 continue;
             }
             if (name == "aka") {
