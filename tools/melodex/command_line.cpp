@@ -67,6 +67,10 @@ String dataSubfolder(std::string_view name, String (*configured)()) {
     return configured();
 }
 
+void printJson(const Json& json) {
+    fmt::print("{}\n", json.dump(2, ' ', false, Json::error_handler_t::replace));
+}
+
 std::string readInput(const std::string& path) {
     std::string bytes;
     if (isStandardStream(path)) {

@@ -10,6 +10,8 @@
 #include <string>
 #include <string_view>
 
+#include <nlohmann/json.hpp>
+
 #include "melodex/foundation/status.h"
 #include "melodex/foundation/text.h"
 
@@ -48,6 +50,13 @@ String dataSubfolder(std::string_view name, String (*configured)());
 // Initialises theAppConfig once for the program; ends the command with
 // status 1 when the installation is unusable.
 void configureApplication();
+
+// What --json prints: objects keep their members in the order written.
+using Json = nlohmann::ordered_json;
+
+// Prints the value, indented; text that is not UTF-8 becomes U+FFFD rather
+// than failing the whole output.
+void printJson(const Json& json);
 
 // True when `path` is "-": standard input for an input, standard output for
 // an output.

@@ -10,13 +10,13 @@
 
 #include <fmt/core.h>
 #include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
 
 #include "command_line.h"
 #include "melodex/app/song_config.h"
 #include "melodex/foundation/file_system.h"
 #include "melodex/library/song_database.h"
 #include "melodex/library/song_import.h"
+#include "melodex/library/song_search.h"
 #include "melodex/song/chord_sheet.h"
 #include "melodex/song/song.h"
 
@@ -41,18 +41,16 @@ String fitTo(const String& text, std::size_t width) {
     return codePointSubstring(text, 0, width - 3) + "...";
 }
 
-void printJson(const nlohmann::json& json) {
-    fmt::print("{}\n", json.dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
-}
-
-nlohmann::json songJson(const SongDBFileEntry& file) {
-    return {{"uuid", file.uuid()},
-            {"title", file.listedTitle()},
-            {"key", file.key()},
-            {"author", file.author()},
-            {"tempo", file.tempo()},
-            {"file", file.filename()},
-            {"categories", file.categories()}};
+Json songJson(const SongDBFileEntry& file) {
+    Json json;
+    json["uuid"] = file.uuid();
+    json["title"] = file.listedTitle();
+    json["key"] = file.key();
+    json["author"] = file.author();
+    json["tempo"] = file.tempo();
+    json["file"] = file.filename();
+    json["categories"] = file.categories();
+    return json;
 }
 
 // --- import ------------------------------------------------------------------------
@@ -134,7 +132,7 @@ void listSongs(const ListOptions& options) {
         return compareIgnoreCase(a->listedTitle(), b->listedTitle()) < 0;
     });
     if (options.json) {
-        nlohmann::json songs = nlohmann::json::array();
+        Json songs = Json::array();
         for (SongDBFileEntry* file : files)
             songs.push_back(songJson(*file));
         printJson(songs);
@@ -170,21 +168,42 @@ void listSongs(const ListOptions& options) {
                theSongDB.songFilesFolder());
 }
 
-void searchSongs(const std::string& text) {
+struct SearchOptions {
+    std::string text;
+    bool json = false;
+};
+
+void searchSongs(const SearchOptions& options) {
+    if (SongSearch::searchKey(options.text).empty())
+        failUsage("search for letters or digits, not only punctuation");
     OpenLibrary library(LibraryAccess::Read);
-    const String query = foldCase(SongDBTextEntry::makeBareText(text));
-    if (query.empty()) failUsage("search for letters or digits, not only punctuation");
-    static const char* const kinds[] = {"title", "first line", "index"};
-    int found = 0;
-    for (const SongDBTextEntry* entry : theSongDB.entries()) {
-        if (foldCase(entry->baretext()).find(query) == String::npos) continue;
-        const int type = std::clamp(entry->type(), 0, 2);
-        fmt::print("{}  [{}]  {}\n", entry->text(), kinds[type], entry->fileEntry()->uuid());
-        ++found;
+    SongSearch search(theSongDB);
+    const std::vector<SongSearch::Hit> hits = search.search(options.text);
+    if (options.json) {
+        Json songs = Json::array();
+        for (const SongSearch::Hit& hit : hits) {
+            Json song;
+            song["uuid"] = hit.uuid;
+            song["title"] = hit.title;
+            song["field"] = SongSearch::fieldName(hit.field);
+            song["text"] = hit.text;
+            songs.push_back(std::move(song));
+        }
+        printJson(songs);
     }
-    if (found == 0) {
-        fmt::print(stderr, "No song holds \"{}\"\n", text);
+    if (hits.empty()) {
+        if (!options.json) fmt::print(stderr, "No song holds \"{}\"\n", options.text);
         throw CLI::RuntimeError(ExitFailed);
+    }
+    if (options.json) return;
+    // Title, where it was found and the start of the uuid, in 80 columns.
+    for (const SongSearch::Hit& hit : hits) {
+        String where = SongSearch::fieldName(hit.field);
+        if (hit.field != SongSearch::Field::Title) where += ": " + String(hit.text);
+        const String id(hit.uuid.substr(0, ShortIdLength));
+        const std::size_t room = ListingWidth - ShortIdLength - 6;
+        const String title = fitTo(String(hit.title), std::min<std::size_t>(40, room / 2));
+        fmt::print("{}  [{}]  {}\n", title, fitTo(where, room - codePointLength(title)), id);
     }
 }
 
@@ -311,13 +330,16 @@ void addLibraryCommands(CLI::App& app) {
     listCommand->add_flag("--json", list->json, "print the songs as JSON, for scripts");
     listCommand->callback([list] { listSongs(*list); });
 
-    auto query = std::make_shared<std::string>();
+    auto search = std::make_shared<SearchOptions>();
     CLI::App* searchCommand = library->add_subcommand(
         "search",
-        "Find songs whose title, first line or index entries hold TEXT (ignoring case "
-        "and punctuation). Exits with 1 when nothing is found.");
-    searchCommand->add_option("TEXT", *query, "the words to look for")->required();
-    searchCommand->callback([query] { searchSongs(*query); });
+        "Find songs whose title, first line, index entries, author or lyrics hold TEXT, "
+        "ignoring case, accents, punctuation and typographic quotes (\"pow'r\" finds "
+        "\"pow’r\"); each song once, best matches first. Exits with 1 when nothing is "
+        "found.");
+    searchCommand->add_option("TEXT", search->text, "the words to look for")->required();
+    searchCommand->add_flag("--json", search->json, "print the songs found as JSON");
+    searchCommand->callback([search] { searchSongs(*search); });
 
     auto show = std::make_shared<ShowOptions>();
     CLI::App* showCommand =

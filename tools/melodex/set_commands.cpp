@@ -21,7 +21,6 @@ namespace melodex::cli {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
 using Unresolved = SongSet::UnresolvedEntry;
 
 struct ShowOptions {
@@ -202,9 +201,7 @@ void showSet(const ShowOptions& options) {
     }
     const std::vector<Item> items = itemsOf(set);
     if (options.json) {
-        // Invalid UTF-8 in a song becomes U+FFFD rather than failing the dump.
-        fmt::print("{}\n",
-                   jsonOf(set, items, options).dump(2, ' ', false, Json::error_handler_t::replace));
+        printJson(jsonOf(set, items, options));
     } else {
         printListing(set, items, options);
     }
