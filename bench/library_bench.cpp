@@ -20,6 +20,8 @@
 #include "melodex/library/song_import.h"
 #include "melodex/song/song.h"
 
+#include "bench_words.h"
+
 namespace {
 
 using namespace melodex;
@@ -29,57 +31,8 @@ constexpr int LibrarySongs = 10000;
 constexpr int OpenSongFiles = 5000;
 constexpr int SortedTexts = 30000;
 
-const char* const Words[] = {
-    "grace",  "holy",   "light",    "glory",    "mercy",   "shepherd", "morning",  "river",
-    "praise", "heaven", "mountain", "peace",    "faith",   "rock",     "fountain", "King",
-    "love",   "joy",    "Zion",     "cross",    "crown",   "spirit",   "wonder",   "hope",
-    "night",  "song",   "thee",     "evermore", "blessed", "Saviour",  "fields",   "star"};
-const char* const Chords[] = {"G", "D", "Em", "C", "A7", "Bm", "D/F#", "Am7"};
-
-// Words drawn from a fixed seed, so every run builds the same songs.
-class WordSource {
-public:
-    String phrase(int count) {
-        String out;
-        for (int i = 0; i < count; ++i) {
-            if (i > 0) out += ' ';
-            out += Words[m_pick(m_random)];
-        }
-        out[0] = char(std::toupper(static_cast<unsigned char>(out[0])));
-        return out;
-    }
-    int chord() { return int(m_pick(m_random)) % 8; }
-
-private:
-    std::mt19937 m_random{1779};
-    std::uniform_int_distribution<std::size_t> m_pick{0, std::size(Words) - 1};
-};
-
-// A hymn of four verses of four lines with chords: about 1.3 KB as a file.
-Song makeSong(WordSource& words, int number) {
-    Song song;
-    song.clear();
-    song.info().setTitle(words.phrase(3) + " " + std::to_string(number));
-    song.info().setAuthor("Author " + std::to_string(number % 300));
-    song.info().setKey(Chords[words.chord() % 6]);
-    song.info().setAttribute("tempo", std::to_string(60 + number % 60));
-    song.info().addIndex(words.phrase(5));
-    song.info().addCategory(words.phrase(1));
-    for (int s = 0; s < 4; ++s) {
-        auto* section = new SongSection(1);
-        for (int l = 0; l < 4; ++l) {
-            auto* line = new SongLine();
-            line->setText(words.phrase(7));
-            line->addChord(SongChord(Chords[words.chord()], 0));
-            line->addChord(SongChord(Chords[words.chord()], 12));
-            section->addLine(line);
-        }
-        song.addSection(section);
-    }
-    song.generateSectionIDs();
-    song.generateUUID();
-    return song;
-}
+using bench::makeHymn;
+using bench::WordSource;
 
 // The same kind of hymn in OpenSong's layout: a chord line above each lyric
 // line, sections headed by [V1] ...
@@ -89,9 +42,9 @@ String makeOpenSong(WordSource& words, int number) {
         lyrics += "[V" + std::to_string(s) + "]\n";
         for (int l = 0; l < 4; ++l) {
             lyrics += ".";
-            lyrics += Chords[words.chord()];
+            lyrics += words.chord();
             lyrics += "           ";
-            lyrics += Chords[words.chord()];
+            lyrics += words.chord();
             lyrics += "\n " + words.phrase(7) + "\n";
         }
     }
@@ -124,7 +77,7 @@ public:
             createFolders(files);
             WordSource words;
             for (int i = 0; i < LibrarySongs; ++i) {
-                Song song = makeSong(words, i);
+                Song song = makeHymn(words, i);
                 (void)song.saveToFile(files + "/Song " + std::to_string(i) + ".song", 1);
             }
             SongDatabase db;

@@ -17,6 +17,8 @@
 #include "melodex/library/song_search.h"
 #include "melodex/song/song.h"
 
+#include "bench_words.h"
+
 namespace {
 
 using namespace melodex;
@@ -33,43 +35,8 @@ const char* const Words[] = {
     "peace",   "heaven", "Seigneur", "louange", "alleluia", "Zion",         "cross",
     "crown",   "river",  "shepherd", "morning"};
 
-class WordSource {
-public:
-    String phrase(int count) {
-        String out;
-        for (int i = 0; i < count; ++i) {
-            if (i > 0) out += ' ';
-            out += Words[m_pick(m_random)];
-        }
-        return out;
-    }
-
-private:
-    std::mt19937 m_random{2024};
-    std::uniform_int_distribution<std::size_t> m_pick{0, std::size(Words) - 1};
-};
-
-// A song of four verses of four lines: about the size of a hymn.
-Song makeSong(WordSource& words, int number) {
-    Song song;
-    song.clear();
-    song.info().setTitle(words.phrase(3) + " " + std::to_string(number));
-    song.info().setAuthor("Author " + std::to_string(number % 300));
-    song.info().addIndex(words.phrase(4));
-    for (int s = 0; s < 4; ++s) {
-        auto* section = new SongSection(1);
-        for (int l = 0; l < 4; ++l) {
-            auto* line = new SongLine();
-            line->setText(words.phrase(7));
-            line->addChord(SongChord("G", 0));
-            section->addLine(line);
-        }
-        song.addSection(section);
-    }
-    song.generateSectionIDs();
-    song.generateUUID();
-    return song;
-}
+using bench::makeHymn;
+using bench::WordSource;
 
 // The library, written and indexed on first use; each benchmark opens it
 // from its index as a program does.
@@ -96,9 +63,9 @@ private:
         m_folder = m_root + "/Song Database";
         const String files = m_folder + "/Song Files";
         createFolders(files);
-        WordSource words;
+        WordSource words(Words, 2024);
         for (int i = 0; i < LibrarySongs; ++i) {
-            Song song = makeSong(words, i);
+            Song song = makeHymn(words, i);
             (void)song.saveToFile(files + "/Song " + std::to_string(i) + ".song", 1);
         }
         SongDatabase db;

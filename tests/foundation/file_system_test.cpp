@@ -248,6 +248,24 @@ TEST(FileSystemTest, WalksFoldersOnceAndReportsWhatItCannotRead) {
     EXPECT_EQ(bytes.size(), 100u);
 }
 
+TEST(FileSystemTest, MakesFileNamesFromTitles) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"Amazing Grace", "Amazing Grace"},
+        {"Joy/Sorrow: \"Why?\"", "Joy-Sorrow- Why"},
+        {"..\\..\\etc", "-..-etc"},
+        {"...And Can It Be.", "And Can It Be"},
+        {" \t.hidden", "hidden"},
+        {"Tab\tand\x7f bell\a", "Taband bell"},
+        {"..", ""},
+        {"?*<>|", ""},
+    };
+    for (const auto& [title, name] : rows)
+        EXPECT_EQ(fileNameFromTitle(title), name) << title;
+    // Cut to 200 bytes on a character boundary.
+    const String long_ = fileNameFromTitle(String(199, 'a') + "éé");
+    EXPECT_EQ(long_, String(199, 'a'));
+}
+
 TEST(FileSystemTest, DescribesStatuses) {
     EXPECT_EQ(statusMessage(Status(ENOENT)), std::strerror(ENOENT));
     FileError error;

@@ -112,29 +112,9 @@ Status BibleBook::openForReading(TextFile& file, const String& path) {
 
 String BibleBook::fileNameFor(std::string_view title, std::string_view fallback) {
     // Titles come from foreign files: nothing in one may lead the name out
-    // of its folder or hide it from a folder scan, and the name must also
-    // stand on the other systems that may share the data folder.
-    constexpr std::size_t MaxBytes = 200;
-    String name;
-    name.reserve(title.size());
-    for (char c : title) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (c == '/' || c == '\\' || c == ':') {
-            name += '-';
-        } else if (byte >= 32 && byte != 127 &&
-                   std::string_view("?*\"<>|").find(c) == std::string_view::npos) {
-            name += c;
-        }
-    }
-    if (name.size() > MaxBytes) {
-        std::size_t cut = MaxBytes;
-        while (cut > 0 && (static_cast<unsigned char>(name[cut]) & 0xC0) == 0x80)
-            --cut;
-        name.resize(cut);
-    }
-    name = strip(strip(name, " \t", StripSide::Both), ". ", StripSide::End);
-    name = strip(name, ". ", StripSide::Start);
-    return isPlainFileName(name) ? name : String(fallback);
+    // of its folder.
+    const String name = fileNameFromTitle(title);
+    return name.empty() ? String(fallback) : name;
 }
 
 Status BibleBook::load() {

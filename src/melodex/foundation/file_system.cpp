@@ -198,6 +198,29 @@ bool isPlainFileName(std::string_view name) {
            name.find('\0') == std::string_view::npos;
 }
 
+String fileNameFromTitle(std::string_view title) {
+    constexpr std::size_t MaxBytes = 200;
+    String name;
+    name.reserve(title.size());
+    for (char c : title) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (c == '/' || c == '\\' || c == ':') {
+            name += '-';
+        } else if (byte >= 32 && byte != 127 &&
+                   std::string_view("?*\"<>|").find(c) == std::string_view::npos) {
+            name += c;
+        }
+    }
+    if (name.size() > MaxBytes) {
+        std::size_t cut = MaxBytes;
+        while (cut > 0 && (static_cast<unsigned char>(name[cut]) & 0xC0) == 0x80)
+            --cut;
+        name.resize(cut);
+    }
+    name = strip(strip(name, " \t.", StripSide::Start), " \t.", StripSide::End);
+    return isPlainFileName(name) ? name : String();
+}
+
 bool fileExists(std::string_view path) {
     std::error_code error;
     return !path.empty() && fs::is_regular_file(toPath(path), error);

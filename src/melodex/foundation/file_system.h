@@ -50,6 +50,15 @@ String relativePath(std::string_view path, std::string_view folder);
 // deletes in.
 bool isPlainFileName(std::string_view name);
 
+// A title as a file name (without extension) that stands on every system
+// that may share the folder: "/", "\" and ":" become "-", control
+// characters and ?*"<>| are dropped, blanks and dots at the ends (a leading
+// dot would hide the file from folder scans; trailing ones are not kept by
+// every file system) are taken off, and the name is cut to 200 bytes on a
+// character boundary, leaving room for a number and an extension. Empty when
+// nothing usable is left; never a path.
+String fileNameFromTitle(std::string_view title);
+
 bool fileExists(std::string_view path);    // a regular file (links followed)
 bool folderExists(std::string_view path);  // a directory (links followed)
 

@@ -20,41 +20,12 @@ constexpr std::string_view SongExtension = ".song";
 // Shared by every program and computer that uses the library folder.
 constexpr std::string_view LockFileName = "songdb.lock";
 constexpr std::string_view FolderDialogTitle = "Select Folder for Import";
-// Longest base name an import gives a file (in bytes), leaving room for a
-// number and the extension within the 255 bytes most file systems allow.
-constexpr std::size_t MaxBaseNameBytes = 200;
 
 bool isImportable(std::string_view name) {
     for (std::string_view extension : {".song", ".sng", ".xml", ".txt"}) {
         if (endsWithIgnoreCase(name, extension)) return true;
     }
     return false;
-}
-
-// A song title as a file name: characters that cannot stand in a file name
-// here or on the other systems that may share the folder are dropped or
-// replaced, and the result is cut to a safe length. Empty when nothing
-// usable is left.
-String fileNameFromTitle(std::string_view title) {
-    String name;
-    name.reserve(title.size());
-    for (char c : title) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (c == '/' || c == '\\' || c == ':') {
-            name += '-';
-        } else if (byte >= 32 && std::string_view("?*\"<>|").find(c) == std::string_view::npos) {
-            name += c;
-        }
-    }
-    if (name.size() > MaxBaseNameBytes) {
-        std::size_t cut = MaxBaseNameBytes;
-        while (cut > 0 && (static_cast<unsigned char>(name[cut]) & 0xC0) == 0x80)
-            --cut;
-        name.resize(cut);
-    }
-    // Trailing dots and blanks are not kept by every file system.
-    name = strip(strip(name, " \t", StripSide::Both), ". ", StripSide::End);
-    return isPlainFileName(name) ? name : String();
 }
 
 }  // namespace
