@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include "chord_options.h"
 #include "command_line.h"
 #include "library_commands.h"
 #include "melodex/foundation/file_system.h"
@@ -27,6 +28,7 @@ struct ShowOptions {
     std::string file;
     bool chords = false;
     bool json = false;
+    ChordOptions profile;  // the profile only: each entry has its own capo
 };
 
 // One item of the set as the file gave it: an entry, or one the reader left out.
@@ -110,13 +112,12 @@ String describe(const Unresolved& missing, const SongSet& set) {
     return what + ": " + missing.reason;
 }
 
-// The song as a chord sheet in the entry's running order, transposed as the
-// entry says.
-String sheetOf(const SongSetEntry& entry) {
-    ChordSheetOptions options;
-    options.transpose = entry.transpose();
-    options.sequence = entry.getSequence();
-    return chordSheet(*entry.song(), options);
+// The song as a chord sheet in the entry's running order, with the entry's
+// transposition, capo and local transposition, spelled under the profile.
+String sheetOf(const SongSetEntry& entry, const ShowOptions& options) {
+    const Song& song = *entry.song();
+    return chordSheet(song, chordSheetOptions(chosenProfile(options.profile), song,
+                                              entry.chordDisplayOptions()));
 }
 
 void printListing(const SongSet& set, const std::vector<Item>& items, const ShowOptions& options) {
@@ -143,7 +144,7 @@ void printListing(const SongSet& set, const std::vector<Item>& items, const Show
         }
         if (!entry.song()) continue;
         fmt::print("{:2}. {}  ({})\n", number, listedTitle(*entry.song()), describe(entry, set));
-        if (options.chords) fmt::print("\n{}\n", sheetOf(entry));
+        if (options.chords) fmt::print("\n{}\n", sheetOf(entry, options));
     }
 }
 
@@ -181,7 +182,7 @@ Json jsonOf(const SongSet& set, const std::vector<Item>& items, const ShowOption
         item["localTranspose"] = entry.localTranspose();
         item["sequence"] = entry.sequence();
         item["runningOrder"] = entry.getSequence();
-        if (options.chords) item["chordSheet"] = sheetOf(entry);
+        if (options.chords) item["chordSheet"] = sheetOf(entry, options);
         list.push_back(std::move(item));
     }
     Json out;
@@ -232,6 +233,7 @@ void addSetCommands(CLI::App& app) {
                           "print each song with its chords, in the running order and "
                           "transposed as the set says");
     showCommand->add_flag("--json", show->json, "print the set as one JSON object");
+    addProfileOption(*showCommand, show->profile);
     showCommand->callback([show] { showSet(*show); });
 }
 

@@ -6,6 +6,7 @@
 #include <fmt/core.h>
 #include <CLI/CLI.hpp>
 
+#include "chord_options.h"
 #include "command_line.h"
 #include "melodex/foundation/file_system.h"
 #include "melodex/library/song_db_file_entry.h"
@@ -20,6 +21,7 @@ namespace {
 struct ShowOptions {
     std::string file;
     int transpose = 0;
+    ChordOptions chords;
 };
 
 struct ConvertOptions {
@@ -79,7 +81,7 @@ String listed(const StringArray& items) {
 
 void showSong(const ShowOptions& options) {
     const Song song = readSong(options.file);
-    fmt::print("{}", chordSheet(song, options.transpose));
+    fmt::print("{}", chordSheet(song, chordSheetOptions(song, options.chords, options.transpose)));
 }
 
 void convertSong(const ConvertOptions& options) {
@@ -108,6 +110,8 @@ void addSongCommands(CLI::App& app) {
         ->required();
     showCommand->add_option("-t,--transpose", show->transpose, "semitones to move chords and key")
         ->check(CLI::Range(-12, 12));
+    addProfileOption(*showCommand, show->chords);
+    addCapoOption(*showCommand, show->chords);
     showCommand->callback([show] { showSong(*show); });
 
     auto convert = std::make_shared<ConvertOptions>();
