@@ -78,7 +78,9 @@ struct ChordDisplayOptions {
     int transpose = 0;                    // semitones the song is shown moved by
     std::optional<int> capoFret;          // see ChordDisplay
     std::optional<int> localTranspose;    // see ChordDisplay
-    String sequence;                      // the running order; empty: every section once
+    // The running order; empty: the plain-text sheet prints every section
+    // once, a SongLayout follows the song's own running order.
+    String sequence;
 };
 
 // The options that print `song` as a plain-text chord sheet under `profile`:
