@@ -28,7 +28,7 @@ run-build: bootstrap
 	cmake --build --preset run
 
 # The main job: import the sample hymns into a demo song library, list it,
-# show a song with its chords and the sample set. A second run finds every
+# show a song with its chords and the sample set, and print the set. A second run finds every
 # sample already imported and says so.
 run: run-build
 	@$(MELODEX) --version
@@ -40,6 +40,7 @@ run: run-build
 	@$(MELODEX) --data $(DEMO) library show "Amazing Grace"
 	@echo; echo "== The sample service"
 	@$(MELODEX) --data $(DEMO) set show "samples/Sunday Service.set"
+	@$(MELODEX) --data $(DEMO) set render "samples/Sunday Service.set" --out $(DEMO)/sunday-service.pdf
 	@echo; echo "== A tour of the library's classes (examples/example.cpp)"
 	@$(EXAMPLE) examples/data/hymn.ini examples/data/lines-utf16.txt
 	@echo; echo "== The sample Bible (samples/bible), installed once, and a passage"

@@ -77,6 +77,8 @@
 #include "melodex/ui/managed_object_manager.h"
 #include "melodex/ui/projector_client.h"
 #include "melodex/ui/song_doc.h"
+#include "melodex/ui/song_layout.h"
+#include "melodex/ui/song_set_printer.h"
 #include "melodex/ui/table.h"
 #include "melodex/ui/table_cell.h"
 #include "melodex/ui/table_object.h"

@@ -8,6 +8,8 @@
 #include "melodex/display/song_display_profile.h"
 #include "melodex/music/song_chord.h"
 #include "melodex/music/song_info.h"
+#include "melodex/song/chord_sheet.h"
+#include "support/song_builders.h"
 
 namespace melodex {
 namespace {
@@ -177,6 +179,41 @@ TEST(ChordDisplayTest, TakesTheProfilesDefaultsForTheKeyShown) {
     info.setKey("unknown");
     EXPECT_EQ(ChordDisplay(chords, info).key(), 0);
     EXPECT_EQ(ChordDisplay(guitar, info).capoFret(), 2);
+}
+
+TEST(ChordDisplayTest, ALocalTranspositionGivenReplacesTheProfilesDefault) {
+    SongDisplayProfile piano = profile(Chords, false, true);
+    EXPECT_EQ(ChordDisplay(piano, 1, 0, 0, 1).localTranspose(), 1);  // C#: default -1
+    EXPECT_EQ(ChordDisplay(piano, 1, 0, 0, 1)(SongChord("C#")), "D");
+    EXPECT_EQ(ChordDisplay(piano, 1, 0, 0, 0)(SongChord("C#")), "C#");
+}
+
+// A chord sheet under a profile: the chords of the key shown, the key line
+// moved with them, the capo printed in place of the song's own.
+TEST(ChordDisplayTest, ChordSheetOptionsSpellEveryChordInTheKeyShown) {
+    Song song;
+    song.info().setTitle("T");
+    song.info().setKey("Ab");
+    song.info().setAttribute("capo", 2);
+    auto* verse = new SongSection(SectionType::Verse);
+    verse->addLine(test::lineOf("Holy holy", {{"G#", 0}, {"C#/F", 5}}));
+    song.addSection(verse);
+    song.generateSectionIDs();
+
+    SongDisplayProfile chords = profile(Chords);
+    EXPECT_EQ(chordSheet(song, chordSheetOptions(chords, song)),
+              "Title: T\nKey: Ab\nCapo: 2\n\n[V1] Verse\nAb   Db/F\nHoly holy\n");
+    ChordDisplayOptions up;
+    up.transpose = 2;  // Bb
+    up.capoFret = 1;   // played in A shapes
+    EXPECT_EQ(chordSheet(song, chordSheetOptions(chords, song, up)),
+              "Title: T\nKey: Bb\nCapo: 1\n\n[V1] Verse\nA    D/F#\nHoly holy\n");
+    chords.transpose(-2);  // the profile's own transposition moves the key line too
+    EXPECT_EQ(chordSheetOptions(chords, song).transpose, 10);
+
+    SongDisplayProfile words = profile(0x18F31);
+    EXPECT_EQ(chordSheet(song, chordSheetOptions(words, song)),
+              "Title: T\nKey: Ab\nCapo: 2\n\n[V1] Verse\nHoly holy\n");
 }
 
 }  // namespace

@@ -76,6 +76,22 @@ TEST_F(ProfileListTest, AnEmptyFolderGetsTheHouseAndProgramProfiles) {
     EXPECT_EQ(List::getProfileByName("GlancerChords", 0)->saveToText(), before);
 }
 
+// Programs that only show songs leave the folder as they found it.
+TEST_F(ProfileListTest, AReadOnlyListWritesNothing) {
+    List::setProfileListReadOnly(true);
+    List::loadProfileList();
+    EXPECT_EQ(List::getProfileCount(), 16);
+    EXPECT_TRUE(files().empty());
+    EXPECT_FALSE(List::lastListError());
+    EXPECT_EQ(List::getProfileByName("Chords", 0)->filename(), "");
+
+    List::setProfileFolder({});  // no folder: no failure to report either
+    List::loadProfileList();
+    EXPECT_EQ(List::getProfileCount(), 16);
+    EXPECT_FALSE(List::lastListError());
+    List::setProfileListReadOnly(false);
+}
+
 TEST_F(ProfileListTest, AFolderWithOnlyWordsGetsTheProgramProfilesOnly) {
     SongDisplayProfile words;
     words.create("Words", "My Words", 3, 0x1, 20, 0, false, false, false);

@@ -188,5 +188,26 @@ TEST_F(SongSetTest, EntriesThatDoNotResolveAreLeftOutAndRecorded) {
     EXPECT_TRUE(set.unresolvedEntries().empty());
 }
 
+// An entry's changes reach the chord display; a capo or local
+// transposition of 0 leaves them to the profile.
+TEST(SongSetEntryTest, ChordDisplayOptionsCarryTheEntrysChanges) {
+    SongSetEntry entry(newSong("Hymn"), true);
+    ChordDisplayOptions plain = entry.chordDisplayOptions();
+    EXPECT_EQ(plain.transpose, 0);
+    EXPECT_FALSE(plain.capoFret);
+    EXPECT_FALSE(plain.localTranspose);
+    EXPECT_EQ(plain.sequence, entry.song()->getSequence());
+
+    entry.transpose(-2);
+    entry.setCapo(3);
+    entry.setLocalTranspose(-1);
+    entry.sequence("V1,V1");
+    const ChordDisplayOptions changed = entry.chordDisplayOptions();
+    EXPECT_EQ(changed.transpose, -2);
+    EXPECT_EQ(changed.capoFret, 3);
+    EXPECT_EQ(changed.localTranspose, -1);
+    EXPECT_EQ(changed.sequence, "V1,V1");
+}
+
 }  // namespace
 }  // namespace melodex

@@ -97,6 +97,24 @@ TEST(CairoDrawContextTest, AdvancesFollowTheShapedLine) {
     }
 }
 
+// Lines laid out by the metrics must not overlap as drawn: on a screen too,
+// whose transformation scales points to pixels.
+TEST(CairoDrawContextTest, MetricsAreThoseOfTheLinesDrawn) {
+    for (bool printing : {false, true}) {
+        PdfDocument pdf;
+        PngImage image({300, 100});
+        DrawContext& dc = printing ? pdf.context() : image.context();
+        for (double size : {9.0, 18.0}) {
+            dc.setFont({"Arial", size});
+            const FontMetrics metrics = dc.fontMetrics();
+            EXPECT_NEAR(metrics.lineHeight, dc.textExtent("Amazing grace").height, 0.01)
+                << (printing ? "paper " : "screen ") << size;
+            EXPECT_NEAR(metrics.ascent + metrics.descent, metrics.lineHeight, 0.01);
+            EXPECT_GT(metrics.ascent, 0.8 * size);
+        }
+    }
+}
+
 TEST(CairoDrawContextTest, FontsTakeTheirSizeWeightAndFace) {
     PdfDocument pdf;
     DrawContext& dc = pdf.context();

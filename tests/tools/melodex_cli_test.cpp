@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "melodex/foundation/text.h"
+#include "support/scoped_environment.h"
 #include "support/temp_folder.h"
 
 namespace melodex {
@@ -54,6 +55,10 @@ String maskUuids(const String& text) {
 void replay(const String& session) {
     SCOPED_TRACE(session);
     const test::TempFolder folder;
+    // Commands without --data use the configured folders: the session's own.
+    const test::ScopedEnvironment userData("XDG_DATA_HOME", folder.file("home").c_str());
+    const test::ScopedEnvironment sharedData("MELODEX_SHARED_DATA_DIR",
+                                             folder.file("shared").c_str());
     const String data = MELODEX_TEST_DATA_DIR;
     const StringArray lines = split(folder.read(data + "/cli/" + session), "\n");
     ASSERT_GT(lines.size(), 20u);
@@ -86,7 +91,7 @@ void replay(const String& session) {
 }
 
 TEST(MelodexCliTest, EachSessionPrintsWhatItsTranscriptSays) {
-    for (const char* session : {"session.txt", "session_songs.txt"})
+    for (const char* session : {"session.txt", "session_songs.txt", "session_chords.txt"})
         replay(session);
 }
 

@@ -115,5 +115,29 @@ TEST_F(ProfileCliTest, ABrokenProfileFileIsReportedAndLeftAlone) {
     EXPECT_EQ(m_folder.read(profiles() + "/Mine.sdp"), "<profile><name>Mine");
 }
 
+// Commands that only show songs take the profiles as the folder has them
+// and write none: neither a missing data folder nor an empty profiles
+// folder gets files.
+TEST_F(ProfileCliTest, ShowingSongsWritesNoProfiles) {
+    const String song = String(MELODEX_TEST_DATA_DIR) + "/cli/keys/in_a_flat.song";
+    const Outcome shown = melodex("song show --profile Bass '" + song + "'");
+    EXPECT_EQ(shown.exit, 0) << shown.err;
+    EXPECT_EQ(shown.err, "");
+    EXPECT_NE(shown.out.find("Ab             Db     Eb\n"), String::npos) << shown.out;
+    EXPECT_FALSE(folderExists(m_folder.file("data")));
+
+    ASSERT_TRUE(createFolders(profiles()));
+    EXPECT_EQ(melodex("song show --profile LargePrint '" + song + "'").exit, 0);
+    EXPECT_TRUE(listFolder(profiles())->empty());
+
+    // A profile of the user's own is found; the house profiles are then not there.
+    ASSERT_EQ(melodex("profile export Chords -").exit, 0);  // writes the house profiles
+    m_folder.write("data/Display Profiles/Chords.sdp",
+                   replaceAll(m_folder.read(profiles() + "/Chords.sdp"), "<name>Chords</name>",
+                              "<name>Mine</name>"));
+    EXPECT_EQ(melodex("song show -p Mine '" + song + "'").exit, 0);
+    EXPECT_EQ(listFolder(profiles())->size(), 15u);
+}
+
 }  // namespace
 }  // namespace melodex

@@ -11,6 +11,7 @@
 #include <fmt/core.h>
 #include <CLI/CLI.hpp>
 
+#include "chord_options.h"
 #include "command_line.h"
 #include "melodex/app/song_config.h"
 #include "melodex/foundation/file_system.h"
@@ -241,12 +242,14 @@ SongDBFileEntry* findSong(const std::string& idOrTitle) {
 struct ShowOptions {
     std::string song;
     int transpose = 0;
+    ChordOptions chords;
 };
 
 void showSong(const ShowOptions& options) {
     OpenLibrary library(LibraryAccess::Read);
     SongDBFileEntry* file = findSong(options.song);
-    fmt::print("{}", chordSheet(*file->song(), options.transpose));
+    const Song& song = *file->song();
+    fmt::print("{}", chordSheet(song, chordSheetOptions(song, options.chords, options.transpose)));
 }
 
 void removeSong(const std::string& uuid) {
@@ -350,6 +353,8 @@ void addLibraryCommands(CLI::App& app) {
         ->required();
     showCommand->add_option("-t,--transpose", show->transpose, "semitones to move chords and key")
         ->check(CLI::Range(-12, 12));
+    addProfileOption(*showCommand, show->chords);
+    addCapoOption(*showCommand, show->chords);
     showCommand->callback([show] { showSong(*show); });
 
     auto remove = std::make_shared<std::string>();

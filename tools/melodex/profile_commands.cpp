@@ -161,12 +161,14 @@ void exportProfile(const ProfileOptions& options) {
 
 }  // namespace
 
-void loadProfiles() {
+void loadProfiles(ProfileAccess access) {
     const String folder =
         dataSubfolder("Display Profiles", [] { return theAppConfig.getUserProfileDir(); });
-    if (!dataOption().empty() && !createFolders(folder))
+    const bool readOnly = access == ProfileAccess::Read;
+    if (!readOnly && !dataOption().empty() && !createFolders(folder))
         fail("cannot create the display profiles folder " + folder);
-    SongDisplayProfile::setProfileFolder(folder);
+    SongDisplayProfile::setProfileListReadOnly(readOnly);
+    SongDisplayProfile::setProfileFolder(readOnly && !folderExists(folder) ? String() : folder);
     SongDisplayProfile::loadProfileList();
     profilesLoaded() = true;
     if (const FileError& error = SongDisplayProfile::lastListError()) warn(error.message());

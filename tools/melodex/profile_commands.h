@@ -30,14 +30,21 @@ namespace melodex::cli {
 // Adds the "profile" command group.
 void addProfileCommands(CLI::App& app);
 
+// How a command uses the profiles folder: Write makes the folder and writes
+// the built-in profiles into it the first time; Read, for the commands that
+// only show songs, writes nothing (a folder that is not there counts as
+// empty, and the built-in profiles stay in memory).
+enum class ProfileAccess { Read, Write };
+
 // Points the profile list at the chosen data folder and loads it, warning
 // about profile files that did not load and built-in profiles that could
 // not be written.
-void loadProfiles();
+void loadProfiles(ProfileAccess access = ProfileAccess::Write);
 
 // The profile of that name (exactly) and, when typeMask is not 0, of a
-// target in the mask, from the list loadProfiles() read (loading it when
-// it is empty); ends the command with status 1 when there is none.
+// target in the mask, from the list loadProfiles() read (loading it for
+// writing when it was not loaded); ends the command with status 1 when
+// there is none.
 SongDisplayProfile& profileNamed(const std::string& name, int typeMask);
 
 }  // namespace melodex::cli

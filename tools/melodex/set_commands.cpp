@@ -9,13 +9,16 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include "chord_options.h"
 #include "command_line.h"
 #include "library_commands.h"
+#include "render_output.h"
 #include "melodex/foundation/file_system.h"
 #include "melodex/foundation/status.h"
 #include "melodex/library/song_set.h"
 #include "melodex/song/chord_sheet.h"
 #include "melodex/song/song.h"
+#include "melodex/ui/song_set_printer.h"
 
 namespace melodex::cli {
 
@@ -27,6 +30,7 @@ struct ShowOptions {
     std::string file;
     bool chords = false;
     bool json = false;
+    ChordOptions profile;  // the profile only: each entry has its own capo
 };
 
 // One item of the set as the file gave it: an entry, or one the reader left out.
@@ -110,13 +114,12 @@ String describe(const Unresolved& missing, const SongSet& set) {
     return what + ": " + missing.reason;
 }
 
-// The song as a chord sheet in the entry's running order, transposed as the
-// entry says.
-String sheetOf(const SongSetEntry& entry) {
-    ChordSheetOptions options;
-    options.transpose = entry.transpose();
-    options.sequence = entry.getSequence();
-    return chordSheet(*entry.song(), options);
+// The song as a chord sheet in the entry's running order, with the entry's
+// transposition, capo and local transposition, spelled under the profile.
+String sheetOf(const SongSetEntry& entry, const ShowOptions& options) {
+    const Song& song = *entry.song();
+    return chordSheet(song, chordSheetOptions(chosenProfile(options.profile), song,
+                                              entry.chordDisplayOptions()));
 }
 
 void printListing(const SongSet& set, const std::vector<Item>& items, const ShowOptions& options) {
@@ -143,7 +146,7 @@ void printListing(const SongSet& set, const std::vector<Item>& items, const Show
         }
         if (!entry.song()) continue;
         fmt::print("{:2}. {}  ({})\n", number, listedTitle(*entry.song()), describe(entry, set));
-        if (options.chords) fmt::print("\n{}\n", sheetOf(entry));
+        if (options.chords) fmt::print("\n{}\n", sheetOf(entry, options));
     }
 }
 
@@ -181,7 +184,7 @@ Json jsonOf(const SongSet& set, const std::vector<Item>& items, const ShowOption
         item["localTranspose"] = entry.localTranspose();
         item["sequence"] = entry.sequence();
         item["runningOrder"] = entry.getSequence();
-        if (options.chords) item["chordSheet"] = sheetOf(entry);
+        if (options.chords) item["chordSheet"] = sheetOf(entry, options);
         list.push_back(std::move(item));
     }
     Json out;
@@ -191,36 +194,69 @@ Json jsonOf(const SongSet& set, const std::vector<Item>& items, const ShowOption
     return out;
 }
 
-void showSet(const ShowOptions& options) {
-    OpenLibrary library;
-
-    SongSet set;
-    if (const Status status = set.loadFromFile(options.file); status != StatusSuccess) {
-        fail("cannot read the song set " + options.file + ": " +
+// The set in the file, its library songs from the open library.
+void loadSet(SongSet& set, const std::string& file) {
+    if (const Status status = set.loadFromFile(file); status != StatusSuccess) {
+        fail("cannot read the song set " + file + ": " +
              (status == StatusFailed ? String("no <songset> element") : statusMessage(status)));
     }
+}
+
+// After what the command printed: a warning for every entry whose song is
+// missing, and status 1 when there is one.
+void failOnMissing(const SongSet& set, const std::string& file) {
+    if (set.unresolvedEntries().empty()) return;
+    // The output first, then the warnings, in this order even when both
+    // streams go to one file.
+    std::fflush(stdout);
+    const std::vector<Item> items = itemsOf(set);
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (items[i].missing)
+            warn(fileNameOf(file) + ", item " + std::to_string(i + 1) + ": " +
+                 describe(*items[i].missing, set));
+    }
+    throw CLI::RuntimeError(ExitFailed);
+}
+
+void showSet(const ShowOptions& options) {
+    OpenLibrary library;
+    SongSet set;
+    loadSet(set, options.file);
     const std::vector<Item> items = itemsOf(set);
     if (options.json) {
         printJson(jsonOf(set, items, options));
     } else {
         printListing(set, items, options);
     }
-    if (set.unresolvedEntries().empty()) return;
-    // The listing first, then the warnings, in this order even when both
-    // streams go to one file.
-    std::fflush(stdout);
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        if (items[i].missing)
-            warn(fileNameOf(options.file) + ", item " + std::to_string(i + 1) + ": " +
-                 describe(*items[i].missing, set));
-    }
-    throw CLI::RuntimeError(ExitFailed);
+    failOnMissing(set, options.file);
+}
+
+struct RenderOptions {
+    std::string file;
+    std::string title;
+    ChordOptions profile;
+    RenderOutput output;
+};
+
+// The running order and every song as its entry says; the songs whose entries
+// are missing are left out (the running order lists them), and the command
+// then fails as show does.
+void renderSet(const RenderOptions& options) {
+    OpenLibrary library;
+    SongSet set;
+    loadSet(set, options.file);
+    SongDisplayProfile& profile = chosenProfile(options.profile, options.output.targets());
+    SongSetPrintOptions print;
+    print.title = options.title.empty() ? baseNameOf(fileNameOf(options.file)) : options.title;
+    renderPages(options.output, "the set " + fileNameOf(options.file),
+                [&](DrawContext& dc) { return printSongSet(dc, set, profile, print); });
+    failOnMissing(set, options.file);
 }
 
 }  // namespace
 
 void addSetCommands(CLI::App& app) {
-    CLI::App* setGroup = app.add_subcommand("set", "Show song sets (running orders)");
+    CLI::App* setGroup = app.add_subcommand("set", "Show and print song sets (running orders)");
     setGroup->require_subcommand(1);
     setGroup->fallthrough();
 
@@ -232,6 +268,21 @@ void addSetCommands(CLI::App& app) {
                           "print each song with its chords, in the running order and "
                           "transposed as the set says");
     showCommand->add_flag("--json", show->json, "print the set as one JSON object");
+    addProfileOption(*showCommand, show->profile);
+
+    auto render = std::make_shared<RenderOptions>();
+    CLI::App* renderCommand = setGroup->add_subcommand(
+        "render",
+        "Print a song set: a first page with the running order as a table, then every song "
+        "laid out under a display profile with its entry's transposition, capo and running "
+        "order, gaps as space and lines as separator lines; as a PDF, or a PNG of the first "
+        "page");
+    renderCommand->add_option("FILE", render->file, "a song set file")->required();
+    renderCommand->add_option("--title", render->title,
+                              "the running order's heading (default: the set's file name)");
+    addProfileOption(*renderCommand, render->profile);
+    addRenderOutputOptions(*renderCommand, render->output);
+    renderCommand->callback([render] { renderSet(*render); });
     showCommand->callback([show] { showSet(*show); });
 }
 

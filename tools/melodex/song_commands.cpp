@@ -6,12 +6,15 @@
 #include <fmt/core.h>
 #include <CLI/CLI.hpp>
 
+#include "chord_options.h"
 #include "command_line.h"
+#include "render_output.h"
 #include "melodex/foundation/file_system.h"
 #include "melodex/library/song_db_file_entry.h"
 #include "melodex/song/chord_sheet.h"
 #include "melodex/song/song.h"
 #include "melodex/song/song_conversion.h"
+#include "melodex/ui/song_layout.h"
 
 namespace melodex::cli {
 
@@ -20,6 +23,14 @@ namespace {
 struct ShowOptions {
     std::string file;
     int transpose = 0;
+    ChordOptions chords;
+};
+
+struct RenderOptions {
+    std::string file;
+    int transpose = 0;
+    ChordOptions chords;
+    RenderOutput output;
 };
 
 struct ConvertOptions {
@@ -79,7 +90,26 @@ String listed(const StringArray& items) {
 
 void showSong(const ShowOptions& options) {
     const Song song = readSong(options.file);
-    fmt::print("{}", chordSheet(song, options.transpose));
+    fmt::print("{}", chordSheet(song, chordSheetOptions(song, options.chords, options.transpose)));
+}
+
+void renderSong(const RenderOptions& options) {
+    Song song = readSong(options.file);
+    // A song without a title is headed by its file's name.
+    if (!isStandardStream(options.file)) song.filename(options.file);
+    SongDisplayProfile& profile = chosenProfile(options.chords, options.output.targets());
+    ChordDisplayOptions display;
+    display.transpose = options.transpose;
+    display.capoFret = options.chords.capo;
+    SongLayout layout(profile);
+    layout.addSong(song, display);
+    const String title = !strip(song.info().title()).empty() || isStandardStream(options.file)
+                             ? SongDBFileEntry::listedTitle(song)
+                             : baseNameOf(options.file);
+    renderPages(options.output, "\"" + title + "\"", [&layout](DrawContext& dc) {
+        layout.layOut(dc);
+        return layout.draw(dc);
+    });
 }
 
 void convertSong(const ConvertOptions& options) {
@@ -96,7 +126,7 @@ void convertSong(const ConvertOptions& options) {
 }  // namespace
 
 void addSongCommands(CLI::App& app) {
-    CLI::App* song = app.add_subcommand("song", "Show and convert song files");
+    CLI::App* song = app.add_subcommand("song", "Show, render and convert song files");
     song->require_subcommand(1);
 
     auto show = std::make_shared<ShowOptions>();
@@ -108,7 +138,27 @@ void addSongCommands(CLI::App& app) {
         ->required();
     showCommand->add_option("-t,--transpose", show->transpose, "semitones to move chords and key")
         ->check(CLI::Range(-12, 12));
+    addProfileOption(*showCommand, show->chords);
+    addCapoOption(*showCommand, show->chords);
     showCommand->callback([show] { showSong(*show); });
+
+    auto render = std::make_shared<RenderOptions>();
+    CLI::App* renderCommand = song->add_subcommand(
+        "render",
+        "Lay a song out on pages as a display profile says (header, sections in the song's "
+        "running order in their styles, chords over their letters, columns, copyright, page "
+        "numbers) and write it as a PDF or as a PNG of its first page");
+    renderCommand
+        ->add_option("FILE", render->file,
+                     "a song file (.song, .sng, .txt, OpenSong ...), or - for standard input")
+        ->required();
+    renderCommand
+        ->add_option("-t,--transpose", render->transpose, "semitones to move chords and key")
+        ->check(CLI::Range(-12, 12));
+    addProfileOption(*renderCommand, render->chords);
+    addCapoOption(*renderCommand, render->chords);
+    addRenderOutputOptions(*renderCommand, render->output);
+    renderCommand->callback([render] { renderSong(*render); });
 
     auto convert = std::make_shared<ConvertOptions>();
     CLI::App* convertCommand =

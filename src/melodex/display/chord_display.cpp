@@ -4,6 +4,7 @@
 #include "melodex/music/notes.h"
 #include "melodex/music/song_chord.h"
 #include "melodex/music/song_info.h"
+#include "melodex/song/song.h"
 
 namespace melodex {
 
@@ -54,12 +55,13 @@ String SongChord::getDisplayString(const SongDisplayProfile* profile, int transp
 }
 
 ChordDisplay::ChordDisplay(SongDisplayProfile& profile, int songKey, int transpose,
-                           std::optional<int> capoFret)
+                           std::optional<int> capoFret, std::optional<int> localTranspose)
     // Taken modulo 12 at once: the shifts add up unchecked otherwise, and a
     // profile file may hold any transposition.
     : m_profile(&profile), m_transpose(wrapNote((long long)transpose + profile.transpose())) {
     const int shownKey = wrapNote((long long)songKey + m_transpose);
-    m_localTranspose = profile.defaultLocalTranspose(shownKey);
+    m_localTranspose =
+        localTranspose ? *localTranspose : profile.defaultLocalTranspose(shownKey);
     if (capoFret)
         m_capoFret = *capoFret;
     else if (profile.capoPosition() != 0)
@@ -70,14 +72,29 @@ ChordDisplay::ChordDisplay(SongDisplayProfile& profile, int songKey, int transpo
 }
 
 ChordDisplay::ChordDisplay(SongDisplayProfile& profile, const SongInfo& info, int transpose,
-                           std::optional<int> capoFret)
+                           std::optional<int> capoFret, std::optional<int> localTranspose)
     : ChordDisplay(profile, noteNumber(info.key()) >= 0 ? info.keyNumber(0, false) : 0, transpose,
-                   capoFret) {}
+                   capoFret, localTranspose) {}
 
 String ChordDisplay::operator()(const SongChord& chord) const {
     m_profile->setCurrentKey(m_key);
     return chord.getDisplayString(m_profile, m_transpose, m_localTranspose,
                                   wrapNote(-(long long)m_capoFret));
+}
+
+ChordSheetOptions chordSheetOptions(SongDisplayProfile& profile, const Song& song,
+                                    const ChordDisplayOptions& options) {
+    const ChordDisplay display(profile, song.info(), options.transpose, options.capoFret,
+                               options.localTranspose);
+    ChordSheetOptions sheet;
+    // The key line follows the chords: the caller's and the profile's
+    // transposition together (the local transposition changes the shapes
+    // played, not the key sung).
+    sheet.transpose = display.transpose();
+    sheet.capo = display.capoFret();
+    sheet.sequence = options.sequence;
+    sheet.chordText = display;
+    return sheet;
 }
 
 }  // namespace melodex

@@ -23,9 +23,11 @@
 #include <optional>
 
 #include "melodex/foundation/text.h"
+#include "melodex/song/chord_sheet.h"
 
 namespace melodex {
 
+class Song;
 class SongChord;
 class SongDisplayProfile;
 class SongInfo;
@@ -37,15 +39,18 @@ public:
     // shown moved by, to which the profile's own transposition is added.
     // `capoFret` is the fret of the capo, 0 for none; without one, the
     // profile's capo position when it has one, else the profile's default
-    // capo for the key shown. The local transposition is the profile's
-    // default for the key shown.
+    // capo for the key shown. `localTranspose` is the local transposition
+    // of this use (a song set entry's); without it, the profile's default
+    // for the key shown.
     ChordDisplay(SongDisplayProfile& profile, int songKey, int transpose = 0,
-                 std::optional<int> capoFret = std::nullopt);
+                 std::optional<int> capoFret = std::nullopt,
+                 std::optional<int> localTranspose = std::nullopt);
 
     // The same with the key read from the song's information; a key text
     // that names no note counts as C.
     ChordDisplay(SongDisplayProfile& profile, const SongInfo& info, int transpose = 0,
-                 std::optional<int> capoFret = std::nullopt);
+                 std::optional<int> capoFret = std::nullopt,
+                 std::optional<int> localTranspose = std::nullopt);
 
     // The chord's text under the profile; empty for an invalid chord, and
     // for every chord when the profile shows neither chords nor bass notes.
@@ -67,5 +72,26 @@ private:
     int m_localTranspose = 0;
     int m_capoFret = 0;
 };
+
+// How one use of a song shows it: the shifts and the capo of that use.
+struct ChordDisplayOptions {
+    int transpose = 0;                    // semitones the song is shown moved by
+    std::optional<int> capoFret;          // see ChordDisplay
+    std::optional<int> localTranspose;    // see ChordDisplay
+    // The running order; empty: the plain-text sheet prints every section
+    // once, a SongLayout follows the song's own running order.
+    String sequence;
+};
+
+// The options that print `song` as a plain-text chord sheet under `profile`:
+// every chord spelled by a ChordDisplay in the key of the song as shown
+// (nothing for a profile that shows no chords, only bass notes for a bass
+// profile), the key shown after the caller's and the profile's
+// transposition, and the capo fret in force given as the sheet's capo. The
+// profile must outlive the options.
+//
+//     String sheet = chordSheet(song, chordSheetOptions(*profile, song, {.capoFret = 3}));
+ChordSheetOptions chordSheetOptions(SongDisplayProfile& profile, const Song& song,
+                                    const ChordDisplayOptions& options = {});
 
 }  // namespace melodex

@@ -293,6 +293,14 @@ public:
     static void setProfileFolder(const String& folder);
     static const String& profileFolder();
 
+    // A read-only list writes nothing: the built-in profiles it makes stay
+    // in memory, without a file name, and no failure is recorded for them.
+    // For programs that only show songs and must leave the data folders as
+    // they found them. Off at start; takes effect at the next
+    // loadProfileList().
+    static void setProfileListReadOnly(bool readOnly);
+    static bool isProfileListReadOnly();
+
     // Empties the list and reads every ".sdp" file of the folder (the
     // extension ignoring case), in name order; a file that does not load is
     // left out. When none loads, the ten house profiles are made and those

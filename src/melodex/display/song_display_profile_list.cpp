@@ -68,6 +68,7 @@ constexpr BuiltInProfile ProgramProfiles[] = {
 
 struct ProfileList {
     String folder;
+    bool readOnly = false;
     std::vector<std::unique_ptr<SongDisplayProfile>> profiles;
     FileError error;
 };
@@ -93,7 +94,7 @@ void addBuiltIn(ProfileList& list, const BuiltInProfile& row) {
     auto profile = std::make_unique<SongDisplayProfile>();
     profile->create(row.name, row.title, row.type, row.flags, row.baseSize, row.secondarySize,
                     row.dark, row.useCapoDefaults, row.useTransposeDefaults);
-    if (row.file != nullptr) {
+    if (row.file != nullptr && !list.readOnly) {
         if (list.folder.empty()) {
             list.error.record(FileError::Action::Write, row.file, StatusNoFolder);
         } else {
@@ -115,6 +116,14 @@ void SongDisplayProfile::setProfileFolder(const String& folder) {
 
 const String& SongDisplayProfile::profileFolder() {
     return theList().folder;
+}
+
+void SongDisplayProfile::setProfileListReadOnly(bool readOnly) {
+    theList().readOnly = readOnly;
+}
+
+bool SongDisplayProfile::isProfileListReadOnly() {
+    return theList().readOnly;
 }
 
 void SongDisplayProfile::loadProfileList() {

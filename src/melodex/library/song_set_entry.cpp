@@ -128,4 +128,13 @@ String SongSetEntry::writeToText(bool useFilename, const String& setPath) const 
     return out;
 }
 
+ChordDisplayOptions SongSetEntry::chordDisplayOptions() const {
+    ChordDisplayOptions options;
+    options.transpose = m_transpose;
+    if (m_capo != 0) options.capoFret = m_capo;
+    if (m_localTranspose != 0) options.localTranspose = m_localTranspose;
+    options.sequence = getSequence();
+    return options;
+}
+
 }  // namespace melodex

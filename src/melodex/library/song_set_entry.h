@@ -17,6 +17,7 @@
 
 #include <memory>
 
+#include "melodex/display/chord_display.h"
 #include "melodex/foundation/text.h"
 
 namespace melodex {
@@ -79,6 +80,11 @@ public:
     // The entry's sequence, else the song's own (Song::getSequence); empty
     // without a song.
     String getSequence() const;
+
+    // How this use shows the song's chords: its transposition and running
+    // order (getSequence), its capo and local transposition when set (0
+    // leaves them to the display profile's own rule).
+    ChordDisplayOptions chordDisplayOptions() const;
 
     // The entry's element in a set file: a library song by uuid, with
     // `useFilename` a song by its file path (an absolute one made relative

@@ -42,6 +42,10 @@ struct CairoDrawContext::Impl {
     SizeF pageSize;
     bool printing = false;
     int unknownGlyphs = 0;
+    bool prepared = false;  // the layout holds preparedText, laid out as below
+    String preparedText;
+    bool preparedSingle = false;
+    double preparedWidth = 0;
     DrawState state;
     std::vector<DrawState> saved;
 
@@ -68,16 +72,25 @@ struct CairoDrawContext::Impl {
         haveMetrics = false;
     }
 
-    // Puts `text` into the layout: as one line, or wrapped to `width`.
+    // Puts `text` into the layout: as one line, or wrapped to `width`. The
+    // same text asked again keeps the layout Pango has made of it, so that
+    // measuring where each chord of a line goes shapes the line once.
     void prepare(std::string_view text, bool singleLine, double width = -1) {
         applyFont();
-        const String valid = validUtf8(text);
-        pango_layout_set_single_paragraph_mode(layout, singleLine);
-        // Pango takes the width in its units as an int; wider than that is
-        // as good as no limit.
-        const bool limited = width >= 0 && width * PANGO_SCALE < double(INT_MAX);
-        pango_layout_set_width(layout, limited ? int(width * PANGO_SCALE) : -1);
-        pango_layout_set_text(layout, valid.data(), int(valid.size()));
+        if (!prepared || text != preparedText || singleLine != preparedSingle ||
+            width != preparedWidth) {
+            const String valid = validUtf8(text);
+            pango_layout_set_single_paragraph_mode(layout, singleLine);
+            // Pango takes the width in its units as an int; wider than that
+            // is as good as no limit.
+            const bool limited = width >= 0 && width * PANGO_SCALE < double(INT_MAX);
+            pango_layout_set_width(layout, limited ? int(width * PANGO_SCALE) : -1);
+            pango_layout_set_text(layout, valid.data(), int(valid.size()));
+            prepared = true;
+            preparedText.assign(text);
+            preparedSingle = singleLine;
+            preparedWidth = width;
+        }
         unknownGlyphs += pango_layout_get_unknown_glyphs_count(layout);
     }
 
@@ -206,8 +219,8 @@ SizeF CairoDrawContext::textExtent(std::string_view text) {
 }
 
 double CairoDrawContext::advanceTo(std::string_view line, std::size_t codePoints) {
+    m_impl->prepare(line, true);
     const String valid = validUtf8(line);
-    m_impl->prepare(valid, true);
     const std::size_t byte = codePointToByteOffset(valid, codePoints);
     if (byte >= valid.size()) return fromPango(m_impl->logicalExtents().width);
     PangoRectangle position;
@@ -219,12 +232,16 @@ FontMetrics CairoDrawContext::fontMetrics() {
     Impl& d = *m_impl;
     d.applyFont();
     if (!d.haveMetrics) {
-        PangoFontMetrics* metrics = pango_context_get_metrics(d.pango, d.description, nullptr);
-        d.metrics.ascent = fromPango(pango_font_metrics_get_ascent(metrics));
-        d.metrics.descent = fromPango(pango_font_metrics_get_descent(metrics));
-        d.metrics.lineHeight = fromPango(pango_font_metrics_get_height(metrics));
-        if (d.metrics.lineHeight <= 0) d.metrics.lineHeight = d.metrics.ascent + d.metrics.descent;
-        pango_font_metrics_unref(metrics);
+        // Measured on a line of text as drawText lays it out. The font's
+        // own metrics (pango_context_get_metrics, or a line without text)
+        // come out in points divided by the device's scale on a screen
+        // context, a quarter too small at 96 dpi, and lines laid out by them
+        // overlap.
+        d.prepare("M", true);
+        const double height = fromPango(d.logicalExtents().height);
+        d.metrics.ascent = fromPango(pango_layout_get_baseline(d.layout));
+        d.metrics.lineHeight = height;
+        d.metrics.descent = height - d.metrics.ascent;
         d.haveMetrics = true;
     }
     return d.metrics;

@@ -1,5 +1,7 @@
 #include "melodex/song/chord_sheet.h"
 
+#include <string>
+
 #include "melodex/song/vocabulary.h"
 
 namespace melodex {
@@ -110,9 +112,11 @@ String chordSheet(const Song& song, const ChordSheetOptions& options) {
     appendField(out, "Title", info.title());
     appendField(out, "Author", info.author());
     if (!info.key().empty()) appendField(out, "Key", info.keyName(options.transpose));
+    if (options.capo != 0) appendField(out, "Capo", std::to_string(options.capo));
     for (const SongInfo::Attribute& attribute : info.attributes()) {
         if (equalsIgnoreCase(attribute.name, "title") ||
-            equalsIgnoreCase(attribute.name, "author") || equalsIgnoreCase(attribute.name, "key")) {
+            equalsIgnoreCase(attribute.name, "author") || equalsIgnoreCase(attribute.name, "key") ||
+            (options.capo != 0 && equalsIgnoreCase(attribute.name, "capo"))) {
             continue;
         }
         appendField(out, displayName(attribute.name), attribute.value);

@@ -51,6 +51,11 @@ struct ChordSheetOptions {
     // false). An empty result prints nothing for that chord.
     std::function<String(const SongChord&)> chordText;
 
+    // The fret of the capo the chords are shown for. Not 0: "Capo: N" in
+    // the information, in place of the song's own capo attribute, which
+    // would no longer describe the chords printed.
+    int capo = 0;
+
     // The running order to print: section ids separated by commas or blanks
     // ("V1,C1,V2,C1", as Song::getSequence gives it); ids compare ignoring
     // case, repeats are printed each time, and an id the song lacks is shown
