@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstring>
 #include <new>
+#include <optional>
 
 #include <pugixml.hpp>
 
@@ -49,9 +50,101 @@ pugi::xml_attribute findAttribute(const pugi::xml_node& node, std::string_view n
 // Fragment mode keeps top-level text so that we can refuse it; declarations
 // are kept as nodes so that one standing after the root is noticed. Text of
 // blanks is kept too: in a song line the blanks between two chords are
-// lyrics ("Oh <chord>G</chord> <chord>D</chord> Lord").
-constexpr unsigned ParseOptions =
-    pugi::parse_default | pugi::parse_fragment | pugi::parse_declaration | pugi::parse_ws_pcdata;
+// lyrics ("Oh <chord>G</chord> <chord>D</chord> Lord"). References are
+// left to resolveReferences(): pugixml turns "&#x110000;" or "&#xD800;"
+// into bytes that are not UTF-8 and ends the text at "&#0;".
+constexpr unsigned ParseOptions = (pugi::parse_default & ~pugi::parse_escapes) |
+                                  pugi::parse_fragment | pugi::parse_declaration |
+                                  pugi::parse_ws_pcdata;
+
+// The characters that XML 1.0 lets a document carry.
+bool isXmlCharacter(char32_t c) {
+    if (c < 0x20) return c == '\t' || c == '\n' || c == '\r';
+    if (c >= 0xD800 && c <= 0xDFFF) return false;
+    return c != 0xFFFE && c != 0xFFFF && c <= 0x10FFFF;
+}
+
+// The reference that starts at text[pos] ("&amp;", "&#233;", "&#xE9;")
+// appended to `out` as the character it names, with `pos` moved past it;
+// false, with nothing done, when no well-formed reference starts there. A
+// number that names no character XML can carry (0, a surrogate, U+FFFE,
+// anything past U+10FFFF) reads as U+FFFD, so that what the reader hands
+// out is always valid UTF-8 that a writer can write again.
+bool appendReference(std::string_view text, std::size_t& pos, String& out) {
+    const std::size_t end = text.find(';', pos + 1);
+    if (end == std::string_view::npos) return false;
+    const std::string_view name = text.substr(pos + 1, end - pos - 1);
+    constexpr std::pair<std::string_view, char> Named[] = {
+        {"lt", '<'}, {"gt", '>'}, {"amp", '&'}, {"apos", '\''}, {"quot", '"'}};
+    for (const auto& [entity, character] : Named) {
+        if (name == entity) {
+            out += character;
+            pos = end + 1;
+            return true;
+        }
+    }
+    if (name.size() < 2 || name[0] != '#') return false;
+    const bool hex = name[1] == 'x';
+    const std::string_view digits = name.substr(hex ? 2 : 1);
+    if (digits.empty()) return false;
+    char32_t value = 0;
+    for (const char c : digits) {
+        int digit;
+        if (c >= '0' && c <= '9') {
+            digit = c - '0';
+        } else if (hex && c >= 'a' && c <= 'f') {
+            digit = c - 'a' + 10;
+        } else if (hex && c >= 'A' && c <= 'F') {
+            digit = c - 'A' + 10;
+        } else {
+            return false;
+        }
+        // Past U+10FFFF the value only has to stay out of range.
+        if (value <= 0x10FFFF) value = value * (hex ? 16 : 10) + char32_t(digit);
+    }
+    appendUtf8(out, isXmlCharacter(value) ? value : ReplacementCharacter);
+    pos = end + 1;
+    return true;
+}
+
+// The text with its references resolved; null when it holds none.
+std::optional<String> resolvedText(const char* value) {
+    const char* first = std::strchr(value, '&');
+    if (first == nullptr) return std::nullopt;
+    const std::string_view text(value);
+    String out(text.substr(0, std::size_t(first - value)));
+    for (std::size_t pos = out.size(); pos < text.size();) {
+        if (text[pos] == '&' && appendReference(text, pos, out)) continue;
+        out += text[pos++];
+    }
+    return out;
+}
+
+// Resolves the references in every text and attribute value of the tree;
+// CDATA sections keep theirs, as XML says. A walk with explicit moves: the
+// tree may be deeply nested.
+void resolveReferences(pugi::xml_node root) {
+    pugi::xml_node node = root.first_child();
+    while (node) {
+        if (node.type() == pugi::node_pcdata) {
+            if (auto text = resolvedText(node.value())) node.set_value(text->c_str());
+        } else if (node.type() == pugi::node_element) {
+            for (pugi::xml_attribute attr = node.first_attribute(); attr;
+                 attr = attr.next_attribute()) {
+                if (auto text = resolvedText(attr.value())) attr.set_value(text->c_str());
+            }
+        }
+        if (pugi::xml_node child = node.first_child()) {
+            node = child;
+            continue;
+        }
+        while (node && !node.next_sibling()) {
+            node = node.parent();
+            if (node == root) return;
+        }
+        if (node) node = node.next_sibling();
+    }
+}
 
 // Checks what the parser accepted in fragment mode: exactly one element at
 // the top, with nothing beside it but blanks and a leading declaration.
@@ -239,6 +332,7 @@ Status XmlFile::parse(String bytes) {
             text.data(), text.size(), ParseOptions, pugi::encoding_utf8);
         status = result.status == pugi::status_ok ? checkSingleDocument(m_document->tree)
                                                   : StatusXmlBase + Status(result.status);
+        if (status == StatusSuccess) resolveReferences(m_document->tree);
     }
     if (status != StatusSuccess) m_document->clear();
     return status;
@@ -253,11 +347,31 @@ XmlNode XmlFile::root() const {
 
 namespace {
 
-String escape(std::string_view text, bool quotes) {
+enum class Context {
+    Text,       // element text with its quotes as they are
+    Quoted,     // element text with quotes as entities
+    Attribute,  // an attribute value: quotes, tabs and line breaks as references
+};
+
+// The one escaping step of every writer. Besides the markup characters it
+// writes as references what an XML reader would otherwise change: a CR
+// (readers turn line ends into LF) and, in attribute values, tab and LF
+// (readers turn them into blanks). A character that XML 1.0 cannot carry at
+// all, and every byte that does not start well-formed UTF-8, becomes U+FFFD:
+// one written would make the whole file unreadable as XML. One for one, so
+// that chord offsets, which count characters, still point at their letters.
+String escape(std::string_view text, Context context) {
     String out;
     out.reserve(text.size() + text.size() / 8);
-    for (char c : text) {
-        switch (c) {
+    for (std::size_t pos = 0; pos < text.size();) {
+        const auto byte = static_cast<unsigned char>(text[pos]);
+        if (byte >= 0x80) {
+            const char32_t c = decodeUtf8(text, pos);
+            appendUtf8(out, isXmlCharacter(c) ? c : ReplacementCharacter);
+            continue;
+        }
+        ++pos;
+        switch (byte) {
             case '&':
                 out += "&amp;";
                 break;
@@ -268,10 +382,23 @@ String escape(std::string_view text, bool quotes) {
                 out += "&gt;";
                 break;
             case '"':
-                out += quotes ? "&quot;" : "\"";
+                out += context == Context::Text ? "\"" : "&quot;";
+                break;
+            case '\r':
+                out += "&#13;";
+                break;
+            case '\n':
+                out += context == Context::Attribute ? "&#10;" : "\n";
+                break;
+            case '\t':
+                out += context == Context::Attribute ? "&#9;" : "\t";
                 break;
             default:
-                out += c;
+                if (byte < 0x20) {
+                    appendUtf8(out, ReplacementCharacter);
+                } else {
+                    out += char(byte);
+                }
                 break;
         }
     }
@@ -281,11 +408,11 @@ String escape(std::string_view text, bool quotes) {
 }  // namespace
 
 String XmlString::encode(std::string_view text) {
-    return escape(text, true);
+    return escape(text, Context::Quoted);
 }
 
 String XmlString::encodeText(std::string_view text) {
-    return escape(text, false);
+    return escape(text, Context::Text);
 }
 
 String XmlString::attribute(std::string_view name, std::string_view value) {
@@ -294,7 +421,7 @@ String XmlString::attribute(std::string_view name, std::string_view value) {
     out += ' ';
     out += name;
     out += "=\"";
-    out += encode(value);
+    out += escape(value, Context::Attribute);
     out += '"';
     return out;
 }
