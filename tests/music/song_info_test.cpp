@@ -65,14 +65,14 @@ TEST(SongInfoTest, KeyNamesUseKeySpellingPieceByPiece) {
     }
 }
 
-TEST(SongInfoTest, ReferencesNameTheirFieldsAndQuoteWithoutEscapes) {
+TEST(SongInfoTest, ReferencesNameTheirFieldsAndEscapeTheirAttributes) {
     SongReference reference;
     reference.setAttribute("TYPE", "bible");  // "type" and "value" name the fields
     reference.setAttribute("Value", "Ps 23 & 24");
     reference.setAttribute("version", "NIV");
     reference.setAttribute("VERSION", "\"KJV\"");  // replaced
     EXPECT_EQ(reference.writeToText(),
-              "\t<reference type=\"bible\" version=\"\"KJV\"\">Ps 23 &amp; 24</reference>\n");
+              "\t<reference type=\"bible\" version=\"&quot;KJV&quot;\">Ps 23 &amp; 24</reference>\n");
     EXPECT_EQ(SongInfo().writeToText(2) + SongInfo().writeToText(4), "");  // XML layouts only
 }
 
