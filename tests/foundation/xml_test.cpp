@@ -127,6 +127,15 @@ TEST(XmlTest, ReferencesToCharactersXmlCannotCarryReadAsReplacementCharacters) {
             EXPECT_EQ(file.root().attribute("v"), expected) << content;
         }
     }
+    // A reference is read up to the first character that cannot continue
+    // it: a huge text of unfinished ones costs its length, not its square.
+    String unfinished;
+    for (int i = 0; i < 1 << 20; ++i)
+        unfinished += "&#x1";
+    XmlFile hostile;
+    ASSERT_EQ(hostile.loadFromString("<a>" + unfinished + "&#65;</a>"), StatusSuccess);
+    EXPECT_EQ(hostile.root().text(), unfinished + "A");
+
     // Literal tabs and line breaks in an attribute read as blanks, their
     // references as themselves.
     XmlFile file;

@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <cstring>
 #include <new>
-#include <optional>
 
 #include <pugixml.hpp>
 
@@ -50,12 +49,15 @@ pugi::xml_attribute findAttribute(const pugi::xml_node& node, std::string_view n
 // Fragment mode keeps top-level text so that we can refuse it; declarations
 // are kept as nodes so that one standing after the root is noticed. Text of
 // blanks is kept too: in a song line the blanks between two chords are
-// lyrics ("Oh <chord>G</chord> <chord>D</chord> Lord"). References are
-// left to resolveReferences(): pugixml turns "&#x110000;" or "&#xD800;"
-// into bytes that are not UTF-8 and ends the text at "&#0;".
-constexpr unsigned ParseOptions = (pugi::parse_default & ~pugi::parse_escapes) |
-                                  pugi::parse_fragment | pugi::parse_declaration |
-                                  pugi::parse_ws_pcdata;
+// lyrics ("Oh <chord>G</chord> <chord>D</chord> Lord"). Character
+// references are left to resolveReferences() (ParseOptionsOwnReferences):
+// pugixml turns "&#x110000;" or "&#xD800;" into bytes that are not UTF-8 and
+// ends the text at "&#0;". A document without any, the common case, has
+// pugixml resolve its named entities while it parses, which costs nothing
+// like a second walk over the tree.
+constexpr unsigned ParseOptions =
+    pugi::parse_default | pugi::parse_fragment | pugi::parse_declaration | pugi::parse_ws_pcdata;
+constexpr unsigned ParseOptionsOwnReferences = ParseOptions & ~pugi::parse_escapes;
 
 // The characters that XML 1.0 lets a document carry.
 bool isXmlCharacter(char32_t c) {
@@ -64,60 +66,77 @@ bool isXmlCharacter(char32_t c) {
     return c != 0xFFFE && c != 0xFFFF && c <= 0x10FFFF;
 }
 
-// The reference that starts at text[pos] ("&amp;", "&#233;", "&#xE9;")
-// appended to `out` as the character it names, with `pos` moved past it;
-// false, with nothing done, when no well-formed reference starts there. A
-// number that names no character XML can carry (0, a surrogate, U+FFFE,
-// anything past U+10FFFF) reads as U+FFFD, so that what the reader hands
-// out is always valid UTF-8 that a writer can write again.
-bool appendReference(std::string_view text, std::size_t& pos, String& out) {
-    const std::size_t end = text.find(';', pos + 1);
-    if (end == std::string_view::npos) return false;
-    const std::string_view name = text.substr(pos + 1, end - pos - 1);
+// The reference at `text` (at its "&": "&amp;", "&#233;", "&#xE9;") as the
+// UTF-8 bytes of the character it names, put in `out` (at most four) with
+// their count in `length`; the bytes the reference takes, or 0 when no
+// well-formed reference starts there. A number that names no character XML
+// can carry (0, a surrogate, U+FFFE, anything past U+10FFFF) reads as
+// U+FFFD, so that what the reader hands out is always valid UTF-8 that a
+// writer can write again. The scan stops at the first character that cannot
+// continue a reference, so a text of many "&" costs its length only.
+std::size_t readReference(const char* text, char* out, std::size_t& length) {
     constexpr std::pair<std::string_view, char> Named[] = {
-        {"lt", '<'}, {"gt", '>'}, {"amp", '&'}, {"apos", '\''}, {"quot", '"'}};
-    for (const auto& [entity, character] : Named) {
-        if (name == entity) {
-            out += character;
-            pos = end + 1;
-            return true;
+        {"&lt;", '<'}, {"&gt;", '>'}, {"&amp;", '&'}, {"&apos;", '\''}, {"&quot;", '"'}};
+    if (text[1] != '#') {
+        for (const auto& [entity, character] : Named) {
+            // strncmp stops at the text's terminating NUL.
+            if (std::strncmp(text, entity.data(), entity.size()) == 0) {
+                out[0] = character;
+                length = 1;
+                return entity.size();
+            }
         }
+        return 0;
     }
-    if (name.size() < 2 || name[0] != '#') return false;
-    const bool hex = name[1] == 'x';
-    const std::string_view digits = name.substr(hex ? 2 : 1);
-    if (digits.empty()) return false;
+    const bool hex = text[2] == 'x';
+    const char* digit = text + (hex ? 3 : 2);
+    const char* const first = digit;
     char32_t value = 0;
-    for (const char c : digits) {
-        int digit;
-        if (c >= '0' && c <= '9') {
-            digit = c - '0';
-        } else if (hex && c >= 'a' && c <= 'f') {
-            digit = c - 'a' + 10;
-        } else if (hex && c >= 'A' && c <= 'F') {
-            digit = c - 'A' + 10;
+    for (;; ++digit) {
+        int number;
+        if (*digit >= '0' && *digit <= '9') {
+            number = *digit - '0';
+        } else if (hex && *digit >= 'a' && *digit <= 'f') {
+            number = *digit - 'a' + 10;
+        } else if (hex && *digit >= 'A' && *digit <= 'F') {
+            number = *digit - 'A' + 10;
         } else {
-            return false;
+            break;
         }
         // Past U+10FFFF the value only has to stay out of range.
-        if (value <= 0x10FFFF) value = value * (hex ? 16 : 10) + char32_t(digit);
+        if (value <= 0x10FFFF) value = value * (hex ? 16 : 10) + char32_t(number);
     }
-    appendUtf8(out, isXmlCharacter(value) ? value : ReplacementCharacter);
-    pos = end + 1;
-    return true;
+    if (digit == first || *digit != ';') return 0;
+    String bytes;
+    appendUtf8(bytes, isXmlCharacter(value) ? value : ReplacementCharacter);
+    std::memcpy(out, bytes.data(), bytes.size());
+    length = bytes.size();
+    return std::size_t(digit + 1 - text);
 }
 
-// The text with its references resolved; null when it holds none.
-std::optional<String> resolvedText(const char* value) {
-    const char* first = std::strchr(value, '&');
-    if (first == nullptr) return std::nullopt;
-    const std::string_view text(value);
-    String out(text.substr(0, std::size_t(first - value)));
-    for (std::size_t pos = out.size(); pos < text.size();) {
-        if (text[pos] == '&' && appendReference(text, pos, out)) continue;
-        out += text[pos++];
+// Resolves the references of a value of the tree where it lies. The tree
+// was parsed in place, so its values are the document's own text, and what
+// a reference names is never longer than the reference ("&#0;" is four
+// bytes, U+FFFD three; "&#65536;" eight, its character four): the text only
+// shrinks, and writing never overtakes reading.
+void resolveInPlace(const char* value) {
+    char* read = const_cast<char*>(std::strchr(value, '&'));
+    if (read == nullptr) return;
+    char* write = read;
+    while (*read != '\0') {
+        if (*read == '&') {
+            char bytes[4];
+            std::size_t length = 0;
+            if (const std::size_t used = readReference(read, bytes, length)) {
+                std::memcpy(write, bytes, length);
+                write += length;
+                read += used;
+                continue;
+            }
+        }
+        *write++ = *read++;
     }
-    return out;
+    *write = '\0';
 }
 
 // Resolves the references in every text and attribute value of the tree;
@@ -127,11 +146,11 @@ void resolveReferences(pugi::xml_node root) {
     pugi::xml_node node = root.first_child();
     while (node) {
         if (node.type() == pugi::node_pcdata) {
-            if (auto text = resolvedText(node.value())) node.set_value(text->c_str());
+            resolveInPlace(node.value());
         } else if (node.type() == pugi::node_element) {
             for (pugi::xml_attribute attr = node.first_attribute(); attr;
                  attr = attr.next_attribute()) {
-                if (auto text = resolvedText(attr.value())) attr.set_value(text->c_str());
+                resolveInPlace(attr.value());
             }
         }
         if (pugi::xml_node child = node.first_child()) {
@@ -328,11 +347,13 @@ Status XmlFile::parse(String bytes) {
         status = StatusXmlMalformed;
     } else {
         // In place: the tree points into the text instead of a copy of it.
+        const bool characterReferences = text.find("&#") != String::npos;
         const pugi::xml_parse_result result = m_document->tree.load_buffer_inplace(
-            text.data(), text.size(), ParseOptions, pugi::encoding_utf8);
+            text.data(), text.size(),
+            characterReferences ? ParseOptionsOwnReferences : ParseOptions, pugi::encoding_utf8);
         status = result.status == pugi::status_ok ? checkSingleDocument(m_document->tree)
                                                   : StatusXmlBase + Status(result.status);
-        if (status == StatusSuccess) resolveReferences(m_document->tree);
+        if (status == StatusSuccess && characterReferences) resolveReferences(m_document->tree);
     }
     if (status != StatusSuccess) m_document->clear();
     return status;
