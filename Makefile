@@ -1,7 +1,8 @@
 # The two commands of the README:
 #   make run    installs what is missing, builds, and runs the main job
 #   make test   installs what is missing, builds and runs every test (dev, asan,
-#               and the presentation tests under ThreadSanitizer)
+#               the presentation tests under ThreadSanitizer) and runs each fuzz
+#               harness for 15 seconds
 
 MELODEX := build/run/tools/melodex/melodex
 EXAMPLE := build/run/examples/melodex_example
@@ -10,7 +11,7 @@ EXAMPLE := build/run/examples/melodex_example
 # "melodex --data DIR ..." or leave --data out for the configured folders.
 DEMO := build/run/demo-data
 
-.PHONY: all run test test-dev test-asan test-tsan bootstrap release run-build bench format clean
+.PHONY: all run test test-dev test-asan test-tsan test-fuzz fuzz fuzz-build bootstrap release run-build bench format clean
 
 all: release
 
@@ -49,7 +50,7 @@ run: run-build
 	@$(MELODEX) --data $(DEMO) bible list
 	@$(MELODEX) --data $(DEMO) bible show "King James Version" "John 3:16-18; Jude 3"
 
-test: test-dev test-asan test-tsan
+test: test-dev test-asan test-tsan test-fuzz
 
 test-dev: bootstrap
 	cmake --preset dev
@@ -67,6 +68,22 @@ test-tsan: bootstrap
 	cmake --preset tsan
 	cmake --build --preset tsan
 	ctest --preset tsan
+
+# The fuzz harnesses of tests/fuzz, built with clang under AddressSanitizer
+# and UndefinedBehaviorSanitizer (library and harnesses only). CI runs each
+# for 15 seconds and fails on any finding; `make fuzz` runs each for
+# FUZZ_SECONDS.
+FUZZ_SECONDS ?= 60
+
+fuzz-build: bootstrap
+	cmake --preset fuzz
+	cmake --build --preset fuzz
+
+test-fuzz: fuzz-build
+	scripts/fuzz 15
+
+fuzz: fuzz-build
+	scripts/fuzz $(FUZZ_SECONDS)
 
 bench: release
 	@for b in build/release/bench/*_bench; do echo "== $$b"; $$b; done

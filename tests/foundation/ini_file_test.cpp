@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include "melodex/foundation/text_encoding.h"
+
 #include "support/temp_folder.h"
 
 namespace melodex {
@@ -103,6 +105,61 @@ TEST(IniFileTest, ReadsHandWrittenTextAndEveryEncoding) {
         ASSERT_EQ(file.load(test::testDataPath("ini/encodings/"s + name + ".ini")), StatusSuccess);
         EXPECT_EQ(file.findKey("S")->getString("T"), value) << name;
     }
+}
+
+// Found by fuzzing: a name that began with U+FEFF in the unnamed leading
+// section was written first in the file and taken for a byte-order mark,
+// and a name that continued with "[" then read as a section header. Names
+// that would not read back bare are written quoted, like values.
+TEST(IniFileTest, AwkwardNamesRoundTripQuoted) {
+    IniFile read;
+    read.loadFromString("\r\xEF\xBB\xBF=");  // the input as the fuzzer found it
+    ASSERT_EQ(read.getKeyCount(), 1);
+    IniFile back;
+    back.loadFromString(decodeText(read.toString()));
+    ASSERT_EQ(back.getKeyCount(), 1);
+    ASSERT_EQ(back.getKey(0)->getValueCount(), 1);
+    EXPECT_EQ(back.getKey(0)->getValue(0).name(), "\xEF\xBB\xBF");
+
+    // clang-format off
+    const StringArray names = {"\uFEFF", "\uFEFF[x]", "[x]", ";c", "#c", "a=b", "", " lead",
+        "trail\t", "two\nlines\r", "\"q\"", "back\\slash", "plain name", "J\u00e9sus"};
+    const StringArray sections = {" s", "\"quoted\"", "a]b]", "line\nbreak", "x=y;#[", "\uFEFF"};
+    // clang-format on
+    IniFile file;
+    for (const String& name : names)
+        file.createKey("")->setString(name, "value of " + name);
+    for (const String& name : sections)
+        file.createKey(name)->setString("v", name);
+    test::TempFolder folder;
+    const String path = folder.file("names.ini");
+    ASSERT_EQ(file.save(path), StatusSuccess);
+    IniFile loaded;
+    ASSERT_EQ(loaded.load(path), StatusSuccess);
+    ASSERT_EQ(loaded.getKeyCount(), int(sections.size()) + 1);
+    const ConfigKey& unnamed = *loaded.getKey(0);
+    ASSERT_EQ(unnamed.getValueCount(), int(names.size()));
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        EXPECT_EQ(unnamed.getValue(int(i)).name(), names[i]) << i;
+        EXPECT_EQ(unnamed.getValue(int(i)).value(), "value of " + names[i]) << i;
+    }
+    for (std::size_t i = 0; i < sections.size(); ++i)
+        EXPECT_EQ(loaded.getKey(int(i) + 1)->name(), sections[i]) << i;
+
+    const String text = folder.read(path);
+    const String first = "\"\uFEFF\"=value of \uFEFF\n";
+    EXPECT_EQ(text.substr(0, first.size()), first);
+    EXPECT_NE(text.find("\n\"a=b\"=value of a=b\n"), String::npos);
+    EXPECT_NE(text.find("\nplain name=value of plain name\n"), String::npos);
+    EXPECT_NE(text.find("\n[\" s\"]\n"), String::npos);
+    EXPECT_NE(text.find("\n[a]b]]\n"), String::npos);
+
+    // A quote that does not enclose the name reads as the text it is.
+    loaded.loadFromString("\"a\"b=1\n\"open=2\n\"\\q\" = 3\n[\"s\"] x\n[\"t\"x]\n");
+    EXPECT_EQ(keyNames(loaded), (StringArray{"", "s", "\"t\"x"}));
+    EXPECT_EQ(loaded.getKey(0)->getString("\"a\"b") + loaded.getKey(0)->getString("\"open") +
+                  loaded.getKey(0)->getString("\\q"),
+              "123");
 }
 
 }  // namespace

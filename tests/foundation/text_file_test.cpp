@@ -81,5 +81,29 @@ TEST(TextFileTest, WritesExactBytesAtomicallyOnClose) {
     EXPECT_EQ(listFolder(folder.path())->size(), 2u);  // no temporary file left behind
 }
 
+// Found by fuzzing: lines read from a UTF-16 file that began with a second
+// byte-order mark started with U+FEFF, and written back as UTF-8 the reader
+// took that character for the mark and dropped it.
+TEST(TextFileTest, ATextThatBeginsWithUFeffKeepsIt) {
+    test::TempFolder folder;
+    const String path = folder.write("in.txt", "\xFE\xFF\xFE\xFF\0[\0\r\0\n"s);
+    TextFile file;
+    ASSERT_EQ(file.open(path, Mode::Read), StatusSuccess);
+    String line;
+    ASSERT_TRUE(file.readLine(line));
+    EXPECT_EQ(line, "\uFEFF[");
+    for (const auto encoding : {TextFile::Encoding::Default, TextFile::Encoding::Unicode}) {
+        TextFile copy;
+        ASSERT_EQ(copy.open(folder.file("copy.txt"), Mode::Write, encoding), StatusSuccess);
+        copy.writeLine(line);
+        ASSERT_EQ(copy.close(), StatusSuccess);
+        ASSERT_EQ(copy.open(folder.file("copy.txt"), Mode::Read), StatusSuccess);
+        String back;
+        ASSERT_TRUE(copy.readLine(back));
+        EXPECT_EQ(back, line);
+    }
+    EXPECT_EQ(folder.read("copy.txt").substr(0, 4), "\xFF\xFE\xFF\xFE");
+}
+
 }  // namespace
 }  // namespace melodex

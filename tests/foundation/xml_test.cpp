@@ -103,5 +103,78 @@ TEST(XmlTest, DetectsTheEncodingFromTheBytesAndSurvivesHostileFiles) {
     EXPECT_EQ(other.root().findChild("B"), b);
 }
 
+// Found by fuzzing: pugixml read "&#x110000;" as bytes that are not UTF-8
+// and ended the text at "&#0;". Whatever a reference says, the reader hands
+// out valid UTF-8; other entities and malformed references stay as written.
+TEST(XmlTest, ReferencesToCharactersXmlCannotCarryReadAsReplacementCharacters) {
+    // clang-format off
+    const std::pair<std::string, std::string> cases[] = {
+        {"&#x110000;", "\uFFFD"}, {"x&#xD800;y&#xdfff;", "x\uFFFDy\uFFFD"},
+        {"&#0;after", "\uFFFDafter"}, {"&#1;&#xFFFE;&#65535;", "\uFFFD\uFFFD\uFFFD"},
+        {"&#99999999999999999999999;", "\uFFFD"},
+        {"&#233;&#x1F64F;&#9;&#13;&#10;&#xA0;", "\u00e9\U0001F64F\t\r\n\u00a0"},
+        {"&lt;&gt;&amp;&apos;&quot;", "<>&'\""}, {"&amp;#0;", "&#0;"},
+        {"&nbsp; &#; &#x; &#12a; &#X41; &amp", "&nbsp; &#; &#x; &#12a; &#X41; &amp"},
+        {"<![CDATA[&#0;&amp;]]>", "&#0;&amp;"}};
+    // clang-format on
+    for (const auto& [content, expected] : cases) {
+        XmlFile file;
+        ASSERT_EQ(file.loadFromString("<a v=\"" + content + "\">" + content + "</a>"),
+                  StatusSuccess)
+            << content;
+        EXPECT_EQ(file.root().text(), expected) << content;
+        if (content.find('<') == std::string::npos) {
+            EXPECT_EQ(file.root().attribute("v"), expected) << content;
+        }
+    }
+    // A reference is read up to the first character that cannot continue
+    // it: a huge text of unfinished ones costs its length, not its square.
+    String unfinished;
+    for (int i = 0; i < 1 << 20; ++i)
+        unfinished += "&#x1";
+    XmlFile hostile;
+    ASSERT_EQ(hostile.loadFromString("<a>" + unfinished + "&#65;</a>"), StatusSuccess);
+    EXPECT_EQ(hostile.root().text(), unfinished + "A");
+
+    // Literal tabs and line breaks in an attribute read as blanks, their
+    // references as themselves.
+    XmlFile file;
+    ASSERT_EQ(file.loadFromString("<a v=\"1\t2\n3&#9;&#10;&#13;\"/>"), StatusSuccess);
+    EXPECT_EQ(file.root().attribute("v"), "1 2 3\t\n\r");
+}
+
+// What the writers escape reads back as it was, except what XML 1.0 cannot
+// carry at all (C0 controls but tab, LF and CR; U+FFFE and U+FFFF; bytes that
+// are not UTF-8), which is written as U+FFFD, one for one.
+TEST(XmlTest, WritersEscapeWhatAReaderWouldChangeAndReplaceWhatXmlCannotCarry) {
+    struct Case {
+        std::string text, encodeText, attribute, readBack;
+    };
+    // clang-format off
+    const Case cases[] = {
+        {"a\rb\r\n", "a&#13;b&#13;\n", "a&#13;b&#13;&#10;", "a\rb\r\n"},
+        {"\t \n", "\t \n", "&#9; &#10;", "\t \n"},
+        {"say \"&\" <x>", "say \"&amp;\" &lt;x&gt;", "say &quot;&amp;&quot; &lt;x&gt;", "say \"&\" <x>"},
+        {"\0x\x01\x1F\x7F"s, "\uFFFDx\uFFFD\uFFFD\x7F", "\uFFFDx\uFFFD\uFFFD\x7F", "\uFFFDx\uFFFD\uFFFD\x7F"},
+        {"\xEF\xBF\xBE\xEF\xBF\xBF\xEF\xBF\xBD", "\uFFFD\uFFFD\uFFFD", "\uFFFD\uFFFD\uFFFD", "\uFFFD\uFFFD\uFFFD"},
+        {"\xED\xA0\x80|\xC3|\xFF", "\uFFFD\uFFFD\uFFFD|\uFFFD|\uFFFD", "\uFFFD\uFFFD\uFFFD|\uFFFD|\uFFFD",
+         "\uFFFD\uFFFD\uFFFD|\uFFFD|\uFFFD"},
+        {"J\u00e9sus \U0001F64F", "J\u00e9sus \U0001F64F", "J\u00e9sus \U0001F64F", "J\u00e9sus \U0001F64F"}};
+    // clang-format on
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.text);
+        EXPECT_EQ(XmlString::encodeText(test.text), test.encodeText);
+        EXPECT_EQ(XmlString::attribute("v", test.text), " v=\"" + test.attribute + "\"");
+        XmlFile file;
+        ASSERT_EQ(file.loadFromString("<a" + XmlString::attribute("v", test.text) + ">" +
+                                      XmlString::encodeText(test.text) + "<b>" +
+                                      XmlString::encode(test.text) + "</b></a>"),
+                  StatusSuccess);
+        EXPECT_EQ(file.root().attribute("v"), test.readBack);
+        EXPECT_EQ(file.root().directText(), test.readBack);
+        EXPECT_EQ(file.root().findChild("b").text(), test.readBack);
+    }
+}
+
 }  // namespace
 }  // namespace melodex

@@ -254,5 +254,74 @@ TEST(SongXmlReaderTest, BadInputGivesAStatusOrPlainTextNeverACrash) {
     EXPECT_EQ(song.getSectionCount(), 0);
 }
 
+// Inputs the fuzzers found (tests/fuzz), each complete: what is read must
+// survive being saved as a ".song" file and read again. A character that XML
+// cannot carry is saved as U+FFFD; everything else comes back as it was.
+TEST(SongXmlFileTest, WhatIsReadSurvivesSavingAndReadingAgain) {
+    using namespace std::string_literals;
+    struct Case {
+        std::string input;
+        std::string (*seen)(const Song&);  // what must come back
+        std::string expected;
+    };
+    const auto firstLine = [](const Song& song) { return song.getSection(0)->getLine(0)->text(); };
+    const auto uuidAndLyric = [](const Song& song) {
+        return song.uuid() + "|" + song.getSection(0)->getLine(0)->text();
+    };
+    const auto author = [](const Song& song) { return song.info().author(); };
+    const auto infoLists = [](const Song& song) {
+        String out;
+        for (const auto& attribute : song.info().attributes())
+            out += attribute.name + "=" + attribute.value + ";";
+        for (int i = 0; i < song.info().getCategoryCount(); ++i)
+            out += "category " + song.info().getCategory(i) + ";";
+        for (int i = 0; i < song.info().getIndexCount(); ++i)
+            out += "index " + song.info().getIndex(i) + ";";
+        return out;
+    };
+    const auto references = [](const Song& song) {
+        const SongReference reference = song.info().getReference(0);
+        return reference.type() + "|" + reference.getAttribute("n") + "|" + reference.value();
+    };
+    const auto uuid = [](const Song& song) { return song.uuid(); };
+    const Case cases[] = {
+        // A NUL byte read as a plain-text lyric was written raw into <line>.
+        {"\0"s, firstLine, "\uFFFD"},
+        {"a\x01\x1F\xEF\xBF\xBF b"s, firstLine, "a\uFFFD\uFFFD\uFFFD b"},
+        // A reference outside Unicode was read as bytes that are not UTF-8;
+        // the saved file then read as Windows-1252, changing every letter.
+        {"<song><SongsID>&#x110000;</SongsID><songdata>J\u00e9sus</songdata></song>", uuidAndLyric,
+         "\uFFFD|J\u00e9sus"},
+        {"<song><uuid>&#xD800;x&#0;</uuid><block><line>\u00e9</line></block></song>", uuidAndLyric,
+         "\uFFFDx\uFFFD|\u00e9"},
+        // A CR came back as LF.
+        {"<song><author>&#13;</author><lyrics></lyrics></song>", author, "\r"},
+        // A uuid read from a file was written unescaped.
+        {"<song><uuid>a&lt;b&amp;</uuid></song>", uuid, "a<b&"},
+        // Reference attributes were written without escapes.
+        {"<song><info><reference type=\"a&quot;b\" n=\"&lt;&#9;&#10;\">x</reference></info></song>",
+         references, "a\"b|<\t\n|x"},
+        // OpenSong and SongSmart "theme" and "category" are categories as
+        // soon as they are read, not attributes that turn into categories
+        // once the song is saved.
+        {"<song><lyrics>x</lyrics><title>T</title><theme>Grace</theme><category>Joy</category>"
+         "<index>i</index></song>",
+         infoLists, "title=T;category Grace;category Joy;index i;"},
+        {"<song><songdata>x</songdata><theme>Grace</theme></song>", infoLists, "category Grace;"},
+    };
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.input);
+        Song song;
+        ASSERT_EQ(song.loadFromText(test.input), StatusSuccess);
+        const String saved = song.saveToText(SongFileType::Song, true);
+        EXPECT_TRUE(isValidUtf8(saved));
+        Song back;
+        ASSERT_EQ(back.loadFromText(saved), StatusSuccess);
+        EXPECT_EQ(back.loadedFileType(), SongFileType::Song);
+        EXPECT_EQ(test.seen(back), test.expected);
+        EXPECT_EQ(back.saveToText(SongFileType::Song, true), saved);
+    }
+}
+
 }  // namespace
 }  // namespace melodex

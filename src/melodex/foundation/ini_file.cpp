@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <new>
+#include <optional>
 
 #include "melodex/foundation/file_system.h"
 #include "melodex/foundation/text_encoding.h"
@@ -36,6 +37,17 @@ bool needsQuotes(std::string_view value) {
     return value.find_first_of("\r\n") != std::string_view::npos;
 }
 
+// The same for names, which also end at "=" and must not make their line
+// look like a comment, a section header or, at the very start of a file, a
+// byte-order mark. Section names sit between brackets, so "=", ";", "#" and
+// "[" do them no harm.
+bool nameNeedsQuotes(std::string_view name, bool section) {
+    if (section) return !name.empty() && needsQuotes(name);
+    if (name.empty() || needsQuotes(name) || name.starts_with("\xEF\xBB\xBF")) return true;
+    return name.front() == ';' || name.front() == '#' || name.front() == '[' ||
+           name.find('=') != std::string_view::npos;
+}
+
 void appendQuoted(String& out, std::string_view value) {
     out += '"';
     for (char c : value) {
@@ -63,17 +75,26 @@ void appendQuoted(String& out, std::string_view value) {
     out += '"';
 }
 
-// Reads a value that starts with a double quote. Files edited by hand hold
-// values such as "Amazing" Grace, in which the quote does not enclose the
-// whole value; those, and quotes left open, read as the text they are.
-String unquoteValue(std::string_view raw) {
+void appendName(String& out, std::string_view name, bool section) {
+    if (nameNeedsQuotes(name, section)) {
+        appendQuoted(out, name);
+    } else {
+        out += name;
+    }
+}
+
+// Reads the quoted text that starts `raw` (at its double quote) up to its
+// closing quote, undoing the escapes; `end` is then the position after the
+// closing quote. Null when the quote is never closed. An escape that is not
+// one of ours is kept as written.
+std::optional<String> readQuoted(std::string_view raw, std::size_t& end) {
     String out;
     out.reserve(raw.size());
     for (std::size_t i = 1; i < raw.size(); ++i) {
         const char c = raw[i];
         if (c == '"') {
-            if (i + 1 == raw.size()) return out;
-            return String(raw);  // text after the closing quote
+            end = i + 1;
+            return out;
         }
         if (c != '\\') {
             out += c;
@@ -96,13 +117,59 @@ String unquoteValue(std::string_view raw) {
             case 't':
                 out += '\t';
                 break;
-            default:  // not one of ours: keep it as written
+            default:
                 out += '\\';
                 out += raw[i];
                 break;
         }
     }
-    return String(raw);  // no closing quote
+    return std::nullopt;
+}
+
+// Reads a value that starts with a double quote. Files edited by hand hold
+// values such as "Amazing" Grace, in which the quote does not enclose the
+// whole value; those, and quotes left open, read as the text they are.
+String unquoteValue(std::string_view raw) {
+    std::size_t end = 0;
+    std::optional<String> value = readQuoted(raw, end);
+    return value && end == raw.size() ? std::move(*value) : String(raw);
+}
+
+// The name of a section header line; null when the line is no header (it
+// has no closing bracket). A quoted name ends at its closing quote, which a
+// "]" must follow; otherwise the last "]" closes the name, so that a name
+// may itself hold one.
+std::optional<String> headerName(std::string_view line) {
+    const std::string_view inside = trimBlanks(line.substr(1));
+    if (!inside.empty() && inside.front() == '"') {
+        std::size_t end = 0;
+        std::optional<String> name = readQuoted(inside, end);
+        if (name && trimBlanks(inside.substr(end)).starts_with(']')) return name;
+    }
+    const std::size_t close = line.rfind(']');
+    if (close == std::string_view::npos) return std::nullopt;
+    return String(trimBlanks(line.substr(1, close - 1)));
+}
+
+// Splits a "name=value" line; false when it is none. A name in quotes ends
+// at its closing quote and may hold anything, "=" and nothing at all among
+// it; a bare name ends at the first "=" and must not be empty.
+bool splitValueLine(std::string_view line, String& name, std::string_view& value) {
+    if (line.front() == '"') {
+        std::size_t end = 0;
+        std::optional<String> quoted = readQuoted(line, end);
+        const std::string_view rest = trimBlanks(line.substr(quoted ? end : 0));
+        if (quoted && rest.starts_with('=')) {
+            name = std::move(*quoted);
+            value = trimBlanks(rest.substr(1));
+            return true;
+        }
+    }
+    const std::size_t equals = line.find('=');
+    if (equals == std::string_view::npos) return false;
+    name = trimBlanks(line.substr(0, equals));
+    value = trimBlanks(line.substr(equals + 1));
+    return !name.empty();
 }
 
 }  // namespace
@@ -276,19 +343,13 @@ void IniFile::loadFromString(std::string_view text) {
         if (line.empty() || line.front() == ';' || line.front() == '#') continue;
 
         if (line.front() == '[') {
-            // The last "]" closes the name, so a name may itself hold one.
-            const std::size_t close = line.rfind(']');
-            if (close == std::string_view::npos) continue;  // unclosed header
-            section = createKey(trimBlanks(line.substr(1, close - 1)));
-            continue;
+            if (std::optional<String> name = headerName(line)) section = createKey(*name);
+            continue;  // an unclosed header is skipped
         }
 
-        const std::size_t equals = line.find('=');
-        if (equals == std::string_view::npos) continue;
-        const std::string_view name = trimBlanks(line.substr(0, equals));
-        if (name.empty()) continue;
-        const std::string_view value = trimBlanks(line.substr(equals + 1));
-
+        String name;
+        std::string_view value;
+        if (!splitValueLine(line, name, value)) continue;
         if (!section) section = createKey({});
         if (!value.empty() && value.front() == '"') {
             section->setString(name, unquoteValue(value));
@@ -325,12 +386,12 @@ String IniFile::toString() const {
         // header is needed only when that section is not first or empty.
         if (k > 0 || !key.name().empty() || key.getValueCount() == 0) {
             out += '[';
-            out += key.name();
+            appendName(out, key.name(), true);
             out += "]\n";
         }
         for (int i = 0; i < key.getValueCount(); ++i) {
             const ConfigValue& value = key.getValue(i);
-            out += value.name();
+            appendName(out, value.name(), false);
             out += '=';
             if (needsQuotes(value.value())) {
                 appendQuoted(out, value.value());

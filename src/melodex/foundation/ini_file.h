@@ -25,10 +25,17 @@
 // UTF-8 (with or without BOM), UTF-16 with BOM or Windows-1252, and written
 // in UTF-8 without BOM, with LF line ends.
 //
+// Names are written bare too unless that would lose them: a name that is
+// empty, has blanks at either end, holds "=" or a line break, or starts with
+// a double quote, ";", "#", "[" or a byte-order mark is written in double
+// quotes with the same escapes ("\"=\"=x" names the value "=";
+// ["\tTabbed"] the section "\tTabbed"), so that every name and value reads
+// back as it was written. A line that starts with a double quote is
+// therefore a quoted name where a closing quote and "=" follow it (a
+// header: "]").
+//
 // A section named twice in a file is one section holding the values of
 // both; a value named twice keeps the last text in the place of the first.
-// Names themselves are written as they are: a name holding "=", "]" or a
-// line break, or starting with ";", "#" or "[", does not read back.
 //
 // Lookups by name are hashed, so an index of 10,000 sections finds a section
 // in constant time. A pointer to a section or value stays valid until it is

@@ -9,6 +9,10 @@
 
 namespace melodex {
 
+namespace {
+constexpr std::string_view Utf8Bom = "\xEF\xBB\xBF";
+}  // namespace
+
 TextFile::~TextFile() {
     close();
 }
@@ -67,9 +71,16 @@ Status TextFile::close() {
     m_open = false;
     Status status = StatusSuccess;
     if (m_mode == Mode::Write) {
-        status = m_encoding == Encoding::Unicode
-                     ? writeFileAtomically(m_path, encodeUtf16LE(m_text, true))
-                     : writeFileAtomically(m_path, m_text);
+        if (m_encoding == Encoding::Unicode) {
+            status = writeFileAtomically(m_path, encodeUtf16LE(m_text, true));
+        } else if (m_text.starts_with(Utf8Bom)) {
+            // A text that begins with U+FEFF would lose it to the reader,
+            // which takes those bytes for a byte-order mark: a mark in front
+            // keeps the character.
+            status = writeFileAtomically(m_path, String(Utf8Bom) + m_text);
+        } else {
+            status = writeFileAtomically(m_path, m_text);
+        }
     }
     m_text.clear();
     m_text.shrink_to_fit();

@@ -9,9 +9,10 @@
 //
 // Writing collects the text and, on close(), writes it to a temporary file in
 // the same folder that is renamed over the target, so an interrupted write
-// never leaves a half-written file. Default mode writes UTF-8 without BOM;
-// Unicode mode writes UTF-16 LE with the BOM FF FE. Line ends are written as
-// given.
+// never leaves a half-written file. Default mode writes UTF-8 without BOM
+// (with one only before a text that itself begins with U+FEFF, which a reader
+// would otherwise take for the mark); Unicode mode writes UTF-16 LE with the
+// BOM FF FE. Line ends are written as given.
 //
 //     TextFile file;
 //     if (file.open(path, TextFile::Mode::Read) == StatusSuccess) {

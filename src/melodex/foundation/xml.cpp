@@ -49,9 +49,121 @@ pugi::xml_attribute findAttribute(const pugi::xml_node& node, std::string_view n
 // Fragment mode keeps top-level text so that we can refuse it; declarations
 // are kept as nodes so that one standing after the root is noticed. Text of
 // blanks is kept too: in a song line the blanks between two chords are
-// lyrics ("Oh <chord>G</chord> <chord>D</chord> Lord").
+// lyrics ("Oh <chord>G</chord> <chord>D</chord> Lord"). Character
+// references are left to resolveReferences() (ParseOptionsOwnReferences):
+// pugixml turns "&#x110000;" or "&#xD800;" into bytes that are not UTF-8 and
+// ends the text at "&#0;". A document without any, the common case, has
+// pugixml resolve its named entities while it parses, which costs nothing
+// like a second walk over the tree.
 constexpr unsigned ParseOptions =
     pugi::parse_default | pugi::parse_fragment | pugi::parse_declaration | pugi::parse_ws_pcdata;
+constexpr unsigned ParseOptionsOwnReferences = ParseOptions & ~pugi::parse_escapes;
+
+// The characters that XML 1.0 lets a document carry.
+bool isXmlCharacter(char32_t c) {
+    if (c < 0x20) return c == '\t' || c == '\n' || c == '\r';
+    if (c >= 0xD800 && c <= 0xDFFF) return false;
+    return c != 0xFFFE && c != 0xFFFF && c <= 0x10FFFF;
+}
+
+// The reference at `text` (at its "&": "&amp;", "&#233;", "&#xE9;") as the
+// UTF-8 bytes of the character it names, put in `out` (at most four) with
+// their count in `length`; the bytes the reference takes, or 0 when no
+// well-formed reference starts there. A number that names no character XML
+// can carry (0, a surrogate, U+FFFE, anything past U+10FFFF) reads as
+// U+FFFD, so that what the reader hands out is always valid UTF-8 that a
+// writer can write again. The scan stops at the first character that cannot
+// continue a reference, so a text of many "&" costs its length only.
+std::size_t readReference(const char* text, char* out, std::size_t& length) {
+    constexpr std::pair<std::string_view, char> Named[] = {
+        {"&lt;", '<'}, {"&gt;", '>'}, {"&amp;", '&'}, {"&apos;", '\''}, {"&quot;", '"'}};
+    if (text[1] != '#') {
+        for (const auto& [entity, character] : Named) {
+            // strncmp stops at the text's terminating NUL.
+            if (std::strncmp(text, entity.data(), entity.size()) == 0) {
+                out[0] = character;
+                length = 1;
+                return entity.size();
+            }
+        }
+        return 0;
+    }
+    const bool hex = text[2] == 'x';
+    const char* digit = text + (hex ? 3 : 2);
+    const char* const first = digit;
+    char32_t value = 0;
+    for (;; ++digit) {
+        int number;
+        if (*digit >= '0' && *digit <= '9') {
+            number = *digit - '0';
+        } else if (hex && *digit >= 'a' && *digit <= 'f') {
+            number = *digit - 'a' + 10;
+        } else if (hex && *digit >= 'A' && *digit <= 'F') {
+            number = *digit - 'A' + 10;
+        } else {
+            break;
+        }
+        // Past U+10FFFF the value only has to stay out of range.
+        if (value <= 0x10FFFF) value = value * (hex ? 16 : 10) + char32_t(number);
+    }
+    if (digit == first || *digit != ';') return 0;
+    String bytes;
+    appendUtf8(bytes, isXmlCharacter(value) ? value : ReplacementCharacter);
+    std::memcpy(out, bytes.data(), bytes.size());
+    length = bytes.size();
+    return std::size_t(digit + 1 - text);
+}
+
+// Resolves the references of a value of the tree where it lies. The tree
+// was parsed in place, so its values are the document's own text, and what
+// a reference names is never longer than the reference ("&#0;" is four
+// bytes, U+FFFD three; "&#65536;" eight, its character four): the text only
+// shrinks, and writing never overtakes reading.
+void resolveInPlace(const char* value) {
+    char* read = const_cast<char*>(std::strchr(value, '&'));
+    if (read == nullptr) return;
+    char* write = read;
+    while (*read != '\0') {
+        if (*read == '&') {
+            char bytes[4];
+            std::size_t length = 0;
+            if (const std::size_t used = readReference(read, bytes, length)) {
+                std::memcpy(write, bytes, length);
+                write += length;
+                read += used;
+                continue;
+            }
+        }
+        *write++ = *read++;
+    }
+    *write = '\0';
+}
+
+// Resolves the references in every text and attribute value of the tree;
+// CDATA sections keep theirs, as XML says. A walk with explicit moves: the
+// tree may be deeply nested.
+void resolveReferences(pugi::xml_node root) {
+    pugi::xml_node node = root.first_child();
+    while (node) {
+        if (node.type() == pugi::node_pcdata) {
+            resolveInPlace(node.value());
+        } else if (node.type() == pugi::node_element) {
+            for (pugi::xml_attribute attr = node.first_attribute(); attr;
+                 attr = attr.next_attribute()) {
+                resolveInPlace(attr.value());
+            }
+        }
+        if (pugi::xml_node child = node.first_child()) {
+            node = child;
+            continue;
+        }
+        while (node && !node.next_sibling()) {
+            node = node.parent();
+            if (node == root) return;
+        }
+        if (node) node = node.next_sibling();
+    }
+}
 
 // Checks what the parser accepted in fragment mode: exactly one element at
 // the top, with nothing beside it but blanks and a leading declaration.
@@ -235,10 +347,13 @@ Status XmlFile::parse(String bytes) {
         status = StatusXmlMalformed;
     } else {
         // In place: the tree points into the text instead of a copy of it.
+        const bool characterReferences = text.find("&#") != String::npos;
         const pugi::xml_parse_result result = m_document->tree.load_buffer_inplace(
-            text.data(), text.size(), ParseOptions, pugi::encoding_utf8);
+            text.data(), text.size(),
+            characterReferences ? ParseOptionsOwnReferences : ParseOptions, pugi::encoding_utf8);
         status = result.status == pugi::status_ok ? checkSingleDocument(m_document->tree)
                                                   : StatusXmlBase + Status(result.status);
+        if (status == StatusSuccess && characterReferences) resolveReferences(m_document->tree);
     }
     if (status != StatusSuccess) m_document->clear();
     return status;
@@ -253,11 +368,31 @@ XmlNode XmlFile::root() const {
 
 namespace {
 
-String escape(std::string_view text, bool quotes) {
+enum class Context {
+    Text,       // element text with its quotes as they are
+    Quoted,     // element text with quotes as entities
+    Attribute,  // an attribute value: quotes, tabs and line breaks as references
+};
+
+// The one escaping step of every writer. Besides the markup characters it
+// writes as references what an XML reader would otherwise change: a CR
+// (readers turn line ends into LF) and, in attribute values, tab and LF
+// (readers turn them into blanks). A character that XML 1.0 cannot carry at
+// all, and every byte that does not start well-formed UTF-8, becomes U+FFFD:
+// one written would make the whole file unreadable as XML. One for one, so
+// that chord offsets, which count characters, still point at their letters.
+String escape(std::string_view text, Context context) {
     String out;
     out.reserve(text.size() + text.size() / 8);
-    for (char c : text) {
-        switch (c) {
+    for (std::size_t pos = 0; pos < text.size();) {
+        const auto byte = static_cast<unsigned char>(text[pos]);
+        if (byte >= 0x80) {
+            const char32_t c = decodeUtf8(text, pos);
+            appendUtf8(out, isXmlCharacter(c) ? c : ReplacementCharacter);
+            continue;
+        }
+        ++pos;
+        switch (byte) {
             case '&':
                 out += "&amp;";
                 break;
@@ -268,10 +403,23 @@ String escape(std::string_view text, bool quotes) {
                 out += "&gt;";
                 break;
             case '"':
-                out += quotes ? "&quot;" : "\"";
+                out += context == Context::Text ? "\"" : "&quot;";
+                break;
+            case '\r':
+                out += "&#13;";
+                break;
+            case '\n':
+                out += context == Context::Attribute ? "&#10;" : "\n";
+                break;
+            case '\t':
+                out += context == Context::Attribute ? "&#9;" : "\t";
                 break;
             default:
-                out += c;
+                if (byte < 0x20) {
+                    appendUtf8(out, ReplacementCharacter);
+                } else {
+                    out += char(byte);
+                }
                 break;
         }
     }
@@ -281,11 +429,11 @@ String escape(std::string_view text, bool quotes) {
 }  // namespace
 
 String XmlString::encode(std::string_view text) {
-    return escape(text, true);
+    return escape(text, Context::Quoted);
 }
 
 String XmlString::encodeText(std::string_view text) {
-    return escape(text, false);
+    return escape(text, Context::Text);
 }
 
 String XmlString::attribute(std::string_view name, std::string_view value) {
@@ -294,7 +442,7 @@ String XmlString::attribute(std::string_view name, std::string_view value) {
     out += ' ';
     out += name;
     out += "=\"";
-    out += encode(value);
+    out += escape(value, Context::Attribute);
     out += '"';
     return out;
 }

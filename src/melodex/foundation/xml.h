@@ -19,6 +19,11 @@
 // instructions and the document type declaration are not kept; text nodes
 // that hold only blanks are (in a song line they are lyrics).
 //
+// Everything a reader hands out is valid UTF-8: the five named entities and
+// character references are resolved, and a reference to a character that
+// XML cannot carry ("&#0;", "&#xD800;", "&#x110000;") reads as U+FFFD.
+// Other entities ("&nbsp;") are kept as written.
+//
 // An XmlNode points into its XmlFile: it stays valid while that file lives
 // and is not loaded again.
 
@@ -116,18 +121,26 @@ private:
     std::unique_ptr<Document> m_document;
 };
 
+// Escaping for the writers: every XML file the library writes escapes its
+// text through these, so that what is written reads back as it was. Besides
+// "&", "<" and ">", they write as character references what an XML reader
+// would otherwise change: a CR everywhere (readers turn line ends into LF)
+// and, in attribute values, tab and LF too (readers turn those into blanks).
+// A character that XML 1.0 cannot carry (a C0 control other than tab, LF and
+// CR; U+FFFE, U+FFFF) and every byte that does not start well-formed UTF-8
+// is written as U+FFFD, one for one, so that a file never becomes unreadable
+// and chord offsets, which count characters, keep pointing at their letters.
 struct XmlString {
-    // Escapes "&", "<", ">" and the double quote as entities.
+    // Element text with the double quote as "&quot;" too.
     static String encode(std::string_view text);
 
-    // Escapes "&", "<" and ">": what element text needs. Quotes stay as they
-    // are, so lyrics with quotation marks keep their bytes.
+    // Element text with quotes as they are, so that lyrics with quotation
+    // marks keep their bytes.
     static String encodeText(std::string_view text);
 
     // An attribute as the writers put it after an element's name: a blank,
-    // the name, "=" and the encoded value in double quotes. Entities, not
-    // backslashes: an XML reader undoes only those, so any value reads back
-    // as it was written.
+    // the name, "=" and the escaped value in double quotes. Entities, not
+    // backslashes: an XML reader undoes only those.
     static String attribute(std::string_view name, std::string_view value);
 };
 

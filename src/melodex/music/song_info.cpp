@@ -65,14 +65,15 @@ String SongInfo::keyName(int transpose) const {
         const int note = noteNumber(piece, rest);
         if (note >= 0) {
             // One correction only, as the key has always been moved; outside
-            // -12 to 12 the name still comes from the note modulo 12.
-            int key = note + transpose;
+            // -12 to 12 the name still comes from the note modulo 12. Wide
+            // enough for any transposition, up to the largest int.
+            long long key = (long long)note + transpose;
             if (key < 0) {
                 key += 12;
             } else if (key > 12) {
                 key -= 12;
             }
-            out += keyNoteName(key);
+            out += keyNoteName(wrapNote(key));
         } else {
             // Without a note the rest is the piece itself, so the piece comes
             // out twice ("/" becomes "//"). Saved keys and printed sheets show

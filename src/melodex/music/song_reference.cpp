@@ -30,20 +30,14 @@ void SongReference::setAttribute(std::string_view name, std::string_view value) 
 }
 
 String SongReference::writeToText() const {
-    // Attribute values go between plain double quotes with no escaping:
-    // that is the form existing song files carry, and readers of those files
-    // expect nothing else.
+    // Attribute values are escaped like every other attribute of the song
+    // file: a type or a further attribute holding a double quote, "<" or
+    // "&" would otherwise end the value early or make the whole file
+    // unreadable as XML. Ordinary values keep their bytes.
     String out = "\t<reference";
-    auto writeAttribute = [&out](std::string_view name, std::string_view value) {
-        out += ' ';
-        out += name;
-        out += "=\"";
-        out += value;
-        out += '"';
-    };
-    writeAttribute("type", m_type);
+    out += XmlString::attribute("type", m_type);
     for (const auto& [key, text] : m_extra)
-        writeAttribute(key, text);
+        out += XmlString::attribute(key, text);
     out += '>';
     out += XmlString::encode(m_value);
     out += "</reference>\n";

@@ -37,8 +37,9 @@ public:
     const std::vector<std::pair<String, String>>& extraAttributes() const { return m_extra; }
 
     // The reference element of a song file: "\t<reference", every attribute
-    // (type first, then the further ones) as ` name="value"` without any
-    // escaping, then ">", the XML-escaped value and "</reference>\n".
+    // (type first, then the further ones) as ` name="value"` with the value
+    // escaped as XmlString::attribute does, then ">", the XML-escaped value
+    // and "</reference>\n".
     String writeToText() const;
 
     friend bool operator==(const SongReference&, const SongReference&) = default;

@@ -58,6 +58,29 @@ std::optional<LocalTime> parseSongSmartTime(std::string_view text) {
     return LocalTime::parse(digits);
 }
 
+// One element of a song's information: index entries, categories and
+// references go to their lists, anything else becomes an attribute named
+// `name`. OpenSong and SongSmart elements are read this way too, so that a
+// "theme" of theirs is a category already and stays one when the song is
+// saved and read again.
+void readInfoElement(SongInfo& info, const XmlNode& element, const String& name) {
+    if (equalsIgnoreCase(name, "index")) {
+        String text = element.text();
+        if (!text.empty()) info.addIndex(text);
+    } else if (equalsIgnoreCase(name, "category") || equalsIgnoreCase(name, "theme")) {
+        String text = element.text();
+        if (!text.empty()) info.addCategory(text);
+    } else if (equalsIgnoreCase(name, "reference")) {
+        SongReference reference(element.attribute("type", "other"), element.text());
+        for (const auto& [key, value] : element.attributes()) {
+            if (!equalsIgnoreCase(key, "type")) reference.setAttribute(key, value);
+        }
+        info.addReference(reference);
+    } else {
+        info.setAttribute(name, element.text());
+    }
+}
+
 }  // namespace
 
 // --- Writing -------------------------------------------------------------------
@@ -153,8 +176,10 @@ String Song::saveToText(int fileType, bool withHeader) {
     }
     // No line break after the time: in a ".txt" file the first lyric line
     // follows on the same line, and readers of those files expect it there.
+    // A uuid read from a file may hold anything; escaped, it cannot break
+    // the file. A plain UUID keeps its bytes.
     out += "<uuid>";
-    out += m_uuid;
+    out += xml ? XmlString::encodeText(m_uuid) : m_uuid;
     out += "</uuid><updated>";
     out += m_updated.format(TimePattern);
     out += "</updated>";
@@ -302,7 +327,7 @@ Status Song::loadFromXmlNode(const XmlNode& song) {
             } else if (name == "time_sig") {
                 m_info.setAttribute("timesignature", child.text());
             } else {
-                m_info.setAttribute(name, child.text());
+                readInfoElement(m_info, child, name);
             }
         }
     }
@@ -313,24 +338,8 @@ Status Song::loadFromXmlNode(const XmlNode& song) {
 // --- Reading: the steps ----------------------------------------------------------
 
 void Song::processInfoNode(const XmlNode& info) {
-    for (const XmlNode& child : info.childElements()) {
-        const String name = child.name();
-        if (equalsIgnoreCase(name, "index")) {
-            String text = child.text();
-            if (!text.empty()) m_info.addIndex(text);
-        } else if (equalsIgnoreCase(name, "category") || equalsIgnoreCase(name, "theme")) {
-            String text = child.text();
-            if (!text.empty()) m_info.addCategory(text);
-        } else if (equalsIgnoreCase(name, "reference")) {
-            SongReference reference(child.attribute("type", "other"), child.text());
-            for (const auto& [key, value] : child.attributes()) {
-                if (!equalsIgnoreCase(key, "type")) reference.setAttribute(key, value);
-            }
-            m_info.addReference(reference);
-        } else {
-            m_info.setAttribute(name, child.text());
-        }
-    }
+    for (const XmlNode& child : info.childElements())
+        readInfoElement(m_info, child, child.name());
 }
 
 void Song::processBlockNode(const XmlNode& block) {
@@ -441,7 +450,7 @@ void Song::processSongSmartNode(const XmlNode& song) {
         } else if (name == "songdata") {
             processSongSmartData(child.text());
         } else {
-            m_info.setAttribute(name, child.text());
+            readInfoElement(m_info, child, name);
         }
     }
 }
