@@ -62,10 +62,10 @@ std::size_t chapterStart(std::string_view text) {
     return letter ? text.size() : 0;
 }
 
-class SpecParser {
+class NumbersParser {
 public:
-    SpecParser(std::string_view passage, std::string_view spec, BibleReference::Style style)
-        : m_passage(passage), m_spec(spec), m_style(style) {}
+    NumbersParser(std::string_view passage, std::string_view numbers, BibleReference::Style style)
+        : m_passage(passage), m_numbers(numbers), m_style(style) {}
 
     bool parse(std::vector<BibleVerseRange>& ranges, String* error) {
         if (!tokenize(error)) return false;
@@ -115,19 +115,19 @@ private:
 
     bool tokenize(String* error) {
         const bool european = m_style == BibleReference::Style::European;
-        for (std::size_t pos = 0; pos < m_spec.size();) {
-            const char c = m_spec[pos];
+        for (std::size_t pos = 0; pos < m_numbers.size();) {
+            const char c = m_numbers[pos];
             if (isDigit(c)) {
                 long long value = 0;
-                while (pos < m_spec.size() && isDigit(m_spec[pos])) {
-                    value = std::min<long long>(value * 10 + (m_spec[pos] - '0'), MaxNumber + 1);
+                while (pos < m_numbers.size() && isDigit(m_numbers[pos])) {
+                    value = std::min<long long>(value * 10 + (m_numbers[pos] - '0'), MaxNumber + 1);
                     ++pos;
                 }
                 if (value == 0) return fail(error, "chapters and verses count from 1");
                 if (value > MaxNumber) return fail(error, "a number is too large");
                 // "16a", "16b": a part of a verse is shown as the whole verse.
-                if (pos < m_spec.size() && m_spec[pos] >= 'a' && m_spec[pos] <= 'c' &&
-                    (pos + 1 == m_spec.size() || !isAsciiLetter(m_spec[pos + 1])))
+                if (pos < m_numbers.size() && m_numbers[pos] >= 'a' && m_numbers[pos] <= 'c' &&
+                    (pos + 1 == m_numbers.size() || !isAsciiLetter(m_numbers[pos + 1])))
                     ++pos;
                 m_tokens.push_back({Token::Number, int(value)});
                 continue;
@@ -150,9 +150,9 @@ private:
             if (static_cast<unsigned char>(c) < 0x80) {
                 ++pos;
             } else {
-                decodeUtf8(m_spec, pos);
+                decodeUtf8(m_numbers, pos);
             }
-            const std::string_view character = m_spec.substr(at, pos - at);
+            const std::string_view character = m_numbers.substr(at, pos - at);
             if (!isDash(character))
                 return fail(error, "\"" + String(character) + "\" is not understood");
             m_tokens.push_back({Token::Dash});
@@ -169,7 +169,7 @@ private:
     }
 
     std::string_view m_passage;
-    std::string_view m_spec;
+    std::string_view m_numbers;
     BibleReference::Style m_style;
     std::vector<Token> m_tokens;
     std::size_t m_next = 0;
@@ -261,8 +261,8 @@ std::optional<BibleReference> BibleReference::parse(std::string_view text, Style
         } else {
             parsed.book = strip(passage.substr(0, start), " \t.", StripSide::End);
         }
-        SpecParser spec(passage, passage.substr(start), style);
-        if (!spec.parse(parsed.ranges, error)) return std::nullopt;
+        NumbersParser numbers(passage, passage.substr(start), style);
+        if (!numbers.parse(parsed.ranges, error)) return std::nullopt;
         if (start == 0 && parsed.ranges.empty()) {
             setError(error, "\"" + String(passage) + "\" names no book");
             return std::nullopt;
