@@ -184,6 +184,16 @@ TEST_F(LibraryCliTest, FailuresNameThePathAndTheReasonAndExitWithOne) {
     EXPECT_EQ(run.output, "melodex: cannot remove \"" + songFiles + "/Hymn.song\": " + denied + "\n");
     EXPECT_TRUE(fileExists(songFiles + "/Hymn.song"));
 
+    // A library that is wholly someone else's: no change can even begin,
+    // and the message says which file stood in the way.
+    const String lock = m_folder.file("data/Song Database/songdb.lock");
+    ASSERT_EQ(::chown(lock.c_str(), 0, 0), 0);
+    ASSERT_EQ(::chmod(lock.c_str(), 0644), 0);
+    run = melodex("--data data library remove hymn-1", true);
+    EXPECT_EQ(run.exit, 1);
+    EXPECT_EQ(run.output, "melodex: cannot lock \"" + lock + "\": " + denied + "\n");
+    ASSERT_EQ(::chown(lock.c_str(), test::UnprivilegedId, test::UnprivilegedId), 0);
+
     // An index that cannot be written is a failure, not "Imported".
     const String index =
         m_folder.file("data/Song Database/songdb-" + SystemInfo::hostName() + ".ini");

@@ -282,7 +282,7 @@ void openSongLibrary(LibraryAccess access) {
                    lockPath);
     });
     theSongDB.open();
-    if (const FileError& error = theSongDB.lastError()) {
+    if (const FileError error = theSongDB.lastError()) {
         // A library that cannot be read, or locked for a change, is not
         // worked on half-way.
         theSongDB.close();
