@@ -41,7 +41,7 @@ void addRenderOutputOptions(CLI::App& command, RenderOutput& output) {
         ->transform(CLI::IsMember({"a4", "letter"}, CLI::ignore_case));
 }
 
-void renderPages(const RenderOutput& output, const String& what,
+void renderPages(const RenderOutput& output, const String& title, const String& what,
                  const std::function<int(DrawContext&)>& draw) {
     const String extension = extensionOfOutput(output);
     if (!equalsIgnoreCase(extension, ".pdf") && !equalsIgnoreCase(extension, ".png")) {
@@ -59,7 +59,7 @@ void renderPages(const RenderOutput& output, const String& what,
         return;
     }
     PdfDocument pdf(paper);
-    pdf.setTitle(what);
+    pdf.setTitle(title);
     const int pages = draw(pdf.context());
     const std::string& bytes = pdf.finish();
     if (bytes.empty()) fail("cannot draw the PDF of " + what);

@@ -8,7 +8,8 @@
 //     auto out = std::make_shared<RenderOutput>();
 //     addRenderOutputOptions(*command, *out);
 //     ...
-//     renderPages(*out, "Amazing Grace", [&](DrawContext& dc) { return layout.draw(dc); });
+//     renderPages(*out, "Amazing Grace", "\"Amazing Grace\"",
+//                 [&](DrawContext& dc) { return layout.draw(dc); });
 
 #include <functional>
 #include <string>
@@ -40,7 +41,9 @@ void addRenderOutputOptions(CLI::App& command, RenderOutput& output);
 // drew), writes the file and says what was written. Ends the command with
 // status 1 when drawing or writing fails, 2 for an extension that is
 // neither .pdf nor .png.
-void renderPages(const RenderOutput& output, const String& what,
+// `title` is the document's own title (what a PDF viewer shows); `what`
+// names it in the messages.
+void renderPages(const RenderOutput& output, const String& title, const String& what,
                  const std::function<int(DrawContext&)>& draw);
 
 }  // namespace melodex::cli

@@ -248,7 +248,7 @@ void renderSet(const RenderOptions& options) {
     SongDisplayProfile& profile = chosenProfile(options.profile, options.output.targets());
     SongSetPrintOptions print;
     print.title = options.title.empty() ? baseNameOf(fileNameOf(options.file)) : options.title;
-    renderPages(options.output, "the set " + fileNameOf(options.file),
+    renderPages(options.output, print.title, "the set " + fileNameOf(options.file),
                 [&](DrawContext& dc) { return printSongSet(dc, set, profile, print); });
     failOnMissing(set, options.file);
 }

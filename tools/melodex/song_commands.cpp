@@ -106,7 +106,7 @@ void renderSong(const RenderOptions& options) {
     const String title = !strip(song.info().title()).empty() || isStandardStream(options.file)
                              ? SongDBFileEntry::listedTitle(song)
                              : baseNameOf(options.file);
-    renderPages(options.output, "\"" + title + "\"", [&layout](DrawContext& dc) {
+    renderPages(options.output, title, "\"" + title + "\"", [&layout](DrawContext& dc) {
         layout.layOut(dc);
         return layout.draw(dc);
     });
