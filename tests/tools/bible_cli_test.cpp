@@ -83,8 +83,10 @@ TEST_F(BibleCliTest, ImportsListsShowsAndSearches) {
          "melodex: \"John 3:\" is not a reference: the verse number is missing"},
         {"--data {tmp}/data bible show Geneva 'John 3:16'", 1,
          "melodex: no Bible is called \"Geneva\"; installed: Louis Segond, Mini, Mini"},
+        // With several Bibles, a lone word is a passage of no Bible in particular.
         {"--data {tmp}/data bible show Mini", 2,
-         "REFERENCE is required\nRun with --help for more information."},
+         "melodex: several Bibles are installed; name one: Louis Segond, Mini, Mini"},
+        {"--data {tmp}/data bible search", 2, "melodex: WORDS is required"},
     });
     // clang-format on
 }
@@ -94,6 +96,11 @@ TEST_F(BibleCliTest, HidesRemovesAndRefusesWhatIsNoBible) {
     run({
         {"--data {tmp}/data bible import {data}/Mini", 0,
          "Imported \"Mini\": 3 books, 9 verses into {tmp}/data/Bible Database/Mini"},
+        // The only Bible need not be named.
+        {"--data {tmp}/data bible show John 3:16", 0,
+         "John 3\n16 For God so loved the world,"},
+        {"--data {tmp}/data bible search 'so loved'", 0,
+         "John 3:16  For God so loved the world,\n1 verse in Mini"},
         {"--data {tmp}/data bible hide Mini", 0, "Hidden: \"Mini\""},
         {"--data {tmp}/data bible list", 0,
          "TITLE  BOOKS  VERSES  HIDDEN  FOLDER\n"

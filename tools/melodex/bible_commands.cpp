@@ -11,6 +11,7 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <fmt/core.h>
@@ -68,6 +69,28 @@ Bible* findBible(const std::string& name) {
     for (const Bible* bible : matches)
         message += "\n  " + fileNameOf(bible->folder());
     fail(message);
+}
+
+// The Bible for show and search, whose TITLE may be left out when a single
+// Bible is installed: then whatever took TITLE's place ("John" of
+// "bible show John 3:16") is the first word of what follows it.
+Bible* chosenBible(std::string& name, std::vector<std::string>& rest, const char* restName) {
+    // A single word given is what follows TITLE, never TITLE alone.
+    if (rest.empty() && !name.empty()) rest.push_back(std::exchange(name, {}));
+    if (rest.empty()) failUsage(String(restName) + " is required");
+    if (theBibleDB.bibleCount() == 1 && (name.empty() || theBibleDB.findBibles(name).empty())) {
+        if (!name.empty()) rest.insert(rest.begin(), std::exchange(name, {}));
+        return *theBibleDB.bibles().begin();
+    }
+    if (name.empty()) {
+        if (theBibleDB.bibleCount() == 0)
+            fail("no Bible is installed in " + theBibleDB.databaseFolder());
+        StringArray titles;
+        for (const Bible* bible : theBibleDB.bibles())
+            titles.push_back(bible->title());
+        failUsage("several Bibles are installed; name one: " + join(titles, ", "));
+    }
+    return findBible(name);
 }
 
 int verseCount(Bible& bible) {
@@ -205,9 +228,9 @@ struct ShowOptions {
     bool european = false;
 };
 
-void showPassage(const ShowOptions& options) {
+void showPassage(ShowOptions options) {
     openBibles(false);
-    Bible* bible = findBible(options.bible);
+    Bible* bible = chosenBible(options.bible, options.reference, "REFERENCE");
     String error;
     const std::optional<BibleReference> reference = BibleReference::parse(
         join(options.reference, " "),
@@ -232,9 +255,9 @@ struct SearchOptions {
     std::vector<std::string> words;
 };
 
-void searchBible(const SearchOptions& options) {
+void searchBible(SearchOptions options) {
     openBibles(false);
-    Bible* bible = findBible(options.bible);
+    Bible* bible = chosenBible(options.bible, options.words, "WORDS");
     const String words = join(options.words, " ");
     const BibleSearch search(words);
     if (!search.isValid()) failUsage("search for words, not only punctuation");
@@ -292,8 +315,10 @@ void addBibleCommands(CLI::App& app) {
     CLI::App* showCommand = group->add_subcommand(
         "show",
         "Print the verses of a reference (\"John 3:16-18\", \"Gen 1:1,3\", \"Ps 23; Jude 3\")");
-    showCommand->add_option("TITLE", show->bible, "the Bible's title or folder name")->required();
-    showCommand->add_option("REFERENCE", show->reference, "the passage")->required();
+    showCommand->add_option("TITLE", show->bible,
+                            "the Bible's title or folder name (may be left out when one Bible "
+                            "is installed)");
+    showCommand->add_option("REFERENCE", show->reference, "the passage");
     showCommand->add_flag("-e,--european", show->european,
                           "\",\" between chapter and verse, \".\" between verses (\"Joh 3,16\")");
     showCommand->callback([show] { showPassage(*show); });
@@ -303,9 +328,10 @@ void addBibleCommands(CLI::App& app) {
         "search",
         "Print the verses that hold all the words (ignoring case and accents; a word matches "
         "the start of a word)");
-    searchCommand->add_option("TITLE", search->bible, "the Bible's title or folder name")
-        ->required();
-    searchCommand->add_option("WORDS", search->words, "the words to look for")->required();
+    searchCommand->add_option("TITLE", search->bible,
+                              "the Bible's title or folder name (may be left out when one "
+                              "Bible is installed)");
+    searchCommand->add_option("WORDS", search->words, "the words to look for");
     searchCommand->callback([search] { searchBible(*search); });
 
     for (const bool hidden : {true, false}) {
