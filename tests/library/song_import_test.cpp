@@ -51,14 +51,14 @@ TEST_F(SongImportTest, TakesAFolderAsPeopleHaveIt) {
     m_db.open();
     writeSong("db/Song Files/Known.song", "Hymn", {"Hymn line"}, "hymn-1");
 
-    SongImport import(m_db);
+    SongImport songImport(m_db);
     StringArray progress;
-    import.setProgress([&](int number, int total, const String& path) {
+    songImport.setProgress([&](int number, int total, const String& path) {
         progress.push_back(std::to_string(number) + "/" + std::to_string(total) + " " +
                            fileNameOf(path));
     });
     const SongImport::Report report =
-        import.run({m_folder.file("in"), m_folder.file("missing.song")});
+        songImport.run({m_folder.file("in"), m_folder.file("missing.song")});
     EXPECT_EQ(report.found, 8);
     EXPECT_EQ(progress.size(), 8u);
     EXPECT_EQ(progress.front(), "1/8 Rock of Ages (copy)");

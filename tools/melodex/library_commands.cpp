@@ -72,51 +72,51 @@ void printSkipped(const SongImport::Skipped& skipped) {
 
 void importSongs(const ImportOptions& options) {
     OpenLibrary library(LibraryAccess::Write);
-    SongImport import(theSongDB);
+    SongImport songImport(theSongDB);
     // Progress only where someone watches it, on one line rewritten in place.
     const bool terminal = ::isatty(::fileno(stderr)) != 0;
     if (terminal) {
-        import.setProgress([](int number, int total, const String& path) {
+        songImport.setProgress([](int number, int total, const String& path) {
             fmt::print(stderr, "\rImporting {}/{}: {}\x1b[K", number, total,
                        fitTo(fileNameOf(path), 50));
-    });
-}
-StringArray paths;
-for (const std::string& path : options.paths) {
-    // "-": one song from standard input, plain text too; with no file
-    // name to go by, it is listed under its first line.
-    if (isStandardStream(path)) {
-        import.addText({}, readInput(path));
-    } else {
-        paths.push_back(path);
+        });
     }
-}
-const SongImport::Report report = import.run(paths);
-if (terminal && report.found > 0) fmt::print(stderr, "\r\x1b[K");
+    StringArray paths;
+    for (const std::string& path : options.paths) {
+        // "-": one song from standard input, plain text too; with no file
+        // name to go by, it is listed under its first line.
+        if (isStandardStream(path)) {
+            songImport.addText({}, readInput(path));
+        } else {
+            paths.push_back(path);
+        }
+    }
+    const SongImport::Report report = songImport.run(paths);
+    if (terminal && report.found > 0) fmt::print(stderr, "\r\x1b[K");
 
-for (const SongImport::Skipped& failed : report.failed)
-    fmt::print(stderr, "melodex: {}: {}\n", shownPath(failed), failed.describe());
-if (report.indexError) fmt::print(stderr, "melodex: {}\n", report.indexError.message());
-if (options.verbose) {
-    if (!report.already.empty()) fmt::print(stderr, "Already in the library:\n");
-    for (const SongImport::Skipped& skipped : report.already)
-        printSkipped(skipped);
-    if (!report.skipped.empty()) fmt::print(stderr, "Not song files:\n");
-    for (const SongImport::Skipped& skipped : report.skipped)
-        printSkipped(skipped);
-}
+    for (const SongImport::Skipped& failed : report.failed)
+        fmt::print(stderr, "melodex: {}: {}\n", shownPath(failed), failed.describe());
+    if (report.indexError) fmt::print(stderr, "melodex: {}\n", report.indexError.message());
+    if (options.verbose) {
+        if (!report.already.empty()) fmt::print(stderr, "Already in the library:\n");
+        for (const SongImport::Skipped& skipped : report.already)
+            printSkipped(skipped);
+        if (!report.skipped.empty()) fmt::print(stderr, "Not song files:\n");
+        for (const SongImport::Skipped& skipped : report.skipped)
+            printSkipped(skipped);
+    }
 
-const std::size_t imported = report.imported.size();
-String summary = fmt::format("Imported {} song{}; {} already in the library", imported,
-                             imported == 1 ? "" : "s", report.already.size());
-if (!report.skipped.empty()) {
-    summary += fmt::format("; {} other file{} skipped{}", report.skipped.size(),
-                           report.skipped.size() == 1 ? "" : "s",
-                           options.verbose ? "" : " (--verbose lists them)");
-}
-if (!report.failed.empty()) summary += fmt::format("; {} failed", report.failed.size());
-fmt::print("{}\n", summary);
-if (report.hasFailures()) throw CLI::RuntimeError(ExitFailed);
+    const std::size_t imported = report.imported.size();
+    String summary = fmt::format("Imported {} song{}; {} already in the library", imported,
+                                 imported == 1 ? "" : "s", report.already.size());
+    if (!report.skipped.empty()) {
+        summary += fmt::format("; {} other file{} skipped{}", report.skipped.size(),
+                               report.skipped.size() == 1 ? "" : "s",
+                               options.verbose ? "" : " (--verbose lists them)");
+    }
+    if (!report.failed.empty()) summary += fmt::format("; {} failed", report.failed.size());
+    fmt::print("{}\n", summary);
+    if (report.hasFailures()) throw CLI::RuntimeError(ExitFailed);
 }  // namespace
 
 // --- list, search, show, remove ------------------------------------------------------
@@ -263,7 +263,7 @@ void removeSong(const std::string& uuid) {
     fmt::print("Removed \"{}\" ({})\n", title, path);
 }
 
-}  // namespace melodex::cli
+}  // namespace
 
 void openSongLibrary(LibraryAccess access) {
     const String folder =
