@@ -56,13 +56,23 @@ class Browser {
 public:
     explicit Browser(int httpPort) {
 #ifdef MELODEX_CHROMIUM_PROGRAM
-        const std::string profile = "--user-data-dir=/tmp/melodex-bench-" + std::to_string(getpid());
+        const std::string profile =
+            "--user-data-dir=/tmp/melodex-bench-" + std::to_string(getpid());
         const std::string url = "http://127.0.0.1:" + std::to_string(httpPort) + "/main";
         m_profile = profile.substr(16);
-        const char* argv[] = {MELODEX_CHROMIUM_PROGRAM, "--headless", "--no-sandbox", "--disable-gpu",
-                              "--disable-quic", "--no-first-run", "--disable-background-networking",
-                              "--disable-component-update", "--disable-sync", "--window-size=1280,720",
-                              profile.c_str(), url.c_str(), nullptr};
+        const char* argv[] = {MELODEX_CHROMIUM_PROGRAM,
+                              "--headless",
+                              "--no-sandbox",
+                              "--disable-gpu",
+                              "--disable-quic",
+                              "--no-first-run",
+                              "--disable-background-networking",
+                              "--disable-component-update",
+                              "--disable-sync",
+                              "--window-size=1280,720",
+                              profile.c_str(),
+                              url.c_str(),
+                              nullptr};
         m_pid = fork();
         if (m_pid == 0) {
             prctl(PR_SET_PDEATHSIG, SIGTERM);
@@ -83,7 +93,9 @@ public:
         }
         if (!m_profile.empty()) std::system(("rm -rf '" + m_profile + "'").c_str());
     }
-    bool started() const { return m_pid > 0; }
+    bool started() const {
+        return m_pid > 0;
+    }
 
 private:
     pid_t m_pid = -1;
@@ -92,7 +104,8 @@ private:
 
 void foregroundImageToPage(benchmark::State& state) {
     DisplayConnection display;
-    if (!server().started() || !display.connect("127.0.0.1", server().port()) || !display.subscribe()) {
+    if (!server().started() || !display.connect("127.0.0.1", server().port()) ||
+        !display.subscribe()) {
         state.SkipWithError("no display server");
         return;
     }

@@ -28,9 +28,13 @@ using namespace melodex;
 
 // A library listing of `rows` songs in the scripts a congregation uses.
 Table libraryTable(int rows) {
-    const char* const titles[] = {"Amazing Grace",     "Stille Nacht, heilige Nacht",
-                                  "Jésus, que ma joie demeure", "Слава Отцу и Сыну",
-                                  "Δόξα Πατρί",       "הללויה", "奇异恩典"};
+    const char* const titles[] = {"Amazing Grace",
+                                  "Stille Nacht, heilige Nacht",
+                                  "Jésus, que ma joie demeure",
+                                  "Слава Отцу и Сыну",
+                                  "Δόξα Πατρί",
+                                  "הללויה",
+                                  "奇异恩典"};
     const char* const keys[] = {"G", "Bb", "D", "Em", "F#", "Ab"};
     Table table;
     table.addColumn(" Title ");
@@ -104,18 +108,25 @@ SongDisplayProfile chordsProfile() {
 void BM_SetToPdf(benchmark::State& state) {
     const std::string samples = MELODEX_SAMPLES_DIR;
     SongSet set;
-    const std::string file = "<songset>"
-        "<songentry><filename>" + samples + "/holy_holy_holy.song</filename></songentry><gap/>"
-        "<songentry transpose=\"-2\" capo=\"2\"><filename>" + samples +
+    const std::string file =
+        "<songset>"
+        "<songentry><filename>" +
+        samples +
+        "/holy_holy_holy.song</filename></songentry><gap/>"
+        "<songentry transpose=\"-2\" capo=\"2\"><filename>" +
+        samples +
         "/amazing_grace.song</filename></songentry>"
-        "<songentry sequence=\"V1,C1,V2,C1,V3,C1\"><filename>" + samples +
+        "<songentry sequence=\"V1,C1,V2,C1,V3,C1\"><filename>" +
+        samples +
         "/blessed_assurance.song</filename></songentry><line/>"
-        "<songentry><filename>" + samples + "/come_thou_fount.song</filename></songentry>"
+        "<songentry><filename>" +
+        samples +
+        "/come_thou_fount.song</filename></songentry>"
         "</songset>";
     const std::string path = std::string(std::getenv("TMPDIR") ? std::getenv("TMPDIR") : "/tmp") +
                              "/melodex-render-bench.set";
-    if (writeFileAtomically(path, file) != StatusSuccess || set.loadFromFile(path) != StatusSuccess ||
-        set.size() != 6) {
+    if (writeFileAtomically(path, file) != StatusSuccess ||
+        set.loadFromFile(path) != StatusSuccess || set.size() != 6) {
         state.SkipWithError("cannot make the set");
         return;
     }

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "melodex/app/melodex.h"
-#include "melodex/foundation/string_tables.h"
 #include "melodex/foundation/file_system.h"
+#include "melodex/foundation/string_tables.h"
 #include "melodex/platform/settings_store.h"
 #include "melodex/song/song.h"
 #include "support/scoped_environment.h"

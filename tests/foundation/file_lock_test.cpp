@@ -26,10 +26,11 @@ TEST(FileLockTest, OneHolderAtATimeWithATimeLimitAndACounter) {
     // told once that it waits, and gives up at its time limit.
     int notices = 0;
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(second.acquire(path, 60ms, [&](const String& lock) {
-        EXPECT_EQ(lock, path);
-        ++notices;
-    }),
+    EXPECT_EQ(second.acquire(path, 60ms,
+                             [&](const String& lock) {
+                                 EXPECT_EQ(lock, path);
+                                 ++notices;
+                             }),
               StatusLockTimedOut);
     EXPECT_GE(std::chrono::steady_clock::now() - start, 60ms);
     EXPECT_EQ(notices, 1);

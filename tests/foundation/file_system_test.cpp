@@ -201,7 +201,8 @@ TEST(FileSystemTest, ReplacesWhatLinksPointAtAndNothingButRegularFiles) {
 TEST(FileSystemTest, KeepsTheOwnerAndRefusesAReadOnlyFolder) {
     test::TempFolder folder;
     ASSERT_EQ(::chmod(folder.path().c_str(), 0755), 0);
-    const String readOnly = folder.file("read-only"), kept = folder.write("read-only/kept.song", "kept");
+    const String readOnly = folder.file("read-only"),
+                 kept = folder.write("read-only/kept.song", "kept");
     ASSERT_EQ(::chmod(readOnly.c_str(), 0555), 0);
     const int result = test::asUnprivileged([&] {
         const Status status = writeFileAtomically(kept, "changed");
@@ -232,7 +233,9 @@ TEST(FileSystemTest, WalksFoldersOnceAndReportsWhatItCannotRead) {
     StringArray files, unreadable;
     FolderWalk walk;
     walk.skipHidden = true;
-    walk.file = [&](const String& path, const String&) { files.push_back(relativePath(path, folder.path())); };
+    walk.file = [&](const String& path, const String&) {
+        files.push_back(relativePath(path, folder.path()));
+    };
     walk.unreadable = [&](const String& path, Status) { unreadable.push_back(path); };
     std::set<String> visited;
     walkFolder(folder.file("top"), walk, visited);

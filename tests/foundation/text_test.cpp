@@ -173,14 +173,12 @@ TEST(TextTest, FoldsForSearchAcrossCaseAccentsAndTypography) {
 
 TEST(TextTest, CountsDisplayCells) {
     const std::pair<const char*, std::size_t> cases[] = {
-        {"Amazing", 7},
-        {"Jésus", 5},            // precomposed é: one cell
-        {"Je\u0301sus", 5},      // e and a combining acute: still one cell
-        {"奇異恩典", 8},          // wide East Asian characters: two cells each
-        {"Ｇ", 2},               // full-width forms too
-        {"e\u2060qual", 5},      // a word joiner takes no cell
-        {"Свят", 4},
-        {"", 0},
+        {"Amazing", 7},     {"Jésus", 5},  // precomposed é: one cell
+        {"Je\u0301sus", 5},                // e and a combining acute: still one cell
+        {"奇異恩典", 8},                   // wide East Asian characters: two cells each
+        {"Ｇ", 2},                         // full-width forms too
+        {"e\u2060qual", 5},                // a word joiner takes no cell
+        {"Свят", 4},        {"", 0},
     };
     for (const auto& [text, cells] : cases)
         EXPECT_EQ(displayWidth(text), cells) << text;

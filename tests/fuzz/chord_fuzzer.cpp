@@ -66,8 +66,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     convertToChords(symbol, row);
     const std::size_t length = codePointLength(symbol);
     for (std::size_t i = 0; i < row.size(); ++i) {
-        FUZZ_CHECK(row[i].isValid() && row[i].offset() >= 0 && std::size_t(row[i].offset()) < length,
-                   where);
+        FUZZ_CHECK(
+            row[i].isValid() && row[i].offset() >= 0 && std::size_t(row[i].offset()) < length,
+            where);
         if (i > 0) FUZZ_CHECK(row[i - 1].offset() < row[i].offset(), where);
     }
     (void)isChords(symbol);

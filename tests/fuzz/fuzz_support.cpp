@@ -211,7 +211,8 @@ void checkSongRoundTrip(const Song& original) {
     FUZZ_CHECK(want == got, "written:\n" + written + "\n" + difference(want, got));
 
     const String again = copy.saveToText(SongFileType::Song, true);
-    FUZZ_CHECK(again == written, "first:\n" + printable(written) + "\nsecond:\n" + printable(again));
+    FUZZ_CHECK(again == written,
+               "first:\n" + printable(written) + "\nsecond:\n" + printable(again));
 }
 
 }  // namespace melodex::fuzz

@@ -25,8 +25,8 @@ namespace melodex::fuzz {
 // the input that caused it.
 [[noreturn]] void fail(const char* file, int line, std::string_view what, std::string_view detail);
 
-#define FUZZ_CHECK(condition, detail)                                          \
-    do {                                                                       \
+#define FUZZ_CHECK(condition, detail)                                                      \
+    do {                                                                                   \
         if (!(condition)) ::melodex::fuzz::fail(__FILE__, __LINE__, #condition, (detail)); \
     } while (false)
 

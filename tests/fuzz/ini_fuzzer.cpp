@@ -56,7 +56,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const StringArray pieces = split(text, "\x01");
     for (std::size_t i = 0; i < pieces.size(); i += 3) {
         ConfigKey* key = built.createKey(pieces[i]);
-        if (i + 1 < pieces.size()) key->setString(pieces[i + 1], i + 2 < pieces.size() ? pieces[i + 2] : "");
+        if (i + 1 < pieces.size())
+            key->setString(pieces[i + 1], i + 2 < pieces.size() ? pieces[i + 2] : "");
     }
     checkRoundTrip(built, bytes);
     return 0;

@@ -28,10 +28,8 @@ struct SongFile {
 };
 
 SongFile songFiles[] = {
-    {"library/songs/Abide.song", "Abide.song", {}},
-    {"library/songs/Holy.song", "Holy.song", {}},
-    {"library/songs/Notes.txt", "Notes.txt", {}},
-    {"cli/songs/grace.song", "grace.song", {}},
+    {"library/songs/Abide.song", "Abide.song", {}}, {"library/songs/Holy.song", "Holy.song", {}},
+    {"library/songs/Notes.txt", "Notes.txt", {}},   {"cli/songs/grace.song", "grace.song", {}},
     {"library/eventide.song", "eventide.song", {}},
 };
 
@@ -45,10 +43,11 @@ SongFile songFiles[] = {
 String describe(const SongDatabase& library) {
     StringArray lines;
     for (SongDBFileEntry* file : library.files()) {
-        lines.push_back(fuzz::printable(file->uuid()) + " " + fuzz::printable(file->filename()) + " " +
-               fuzz::printable(file->author()) + " " + fuzz::printable(file->key()) + " " +
-               fuzz::printable(file->tempo()) + " " + fuzz::printable(file->timesignature()) +
-               " " + fuzz::printable(file->categoriesAsString("|")));
+        lines.push_back(fuzz::printable(file->uuid()) + " " + fuzz::printable(file->filename()) +
+                        " " + fuzz::printable(file->author()) + " " + fuzz::printable(file->key()) +
+                        " " + fuzz::printable(file->tempo()) + " " +
+                        fuzz::printable(file->timesignature()) + " " +
+                        fuzz::printable(file->categoriesAsString("|")));
     }
     std::sort(lines.begin(), lines.end());
     return join(lines, "\n");
@@ -94,7 +93,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const String index = folder.read("songdb-fuzz.ini");
     const String second = openAndRead(folder);
     FUZZ_CHECK(first == second, "index " + fuzz::printable(bytes) + "\nwritten " +
-                                    fuzz::printable(index) + "\nfirst:\n" + first +
-                                    "second:\n" + second);
+                                    fuzz::printable(index) + "\nfirst:\n" + first + "second:\n" +
+                                    second);
     return 0;
 }

@@ -47,9 +47,8 @@ String describe(const SongSet& set) {
     for (int i = 0; i < set.size(); ++i) {
         const SongSetEntry& entry = set.entry(i);
         out += std::to_string(entry.type()) + " transpose " + std::to_string(entry.transpose()) +
-               " capo " + std::to_string(entry.capo()) + " tempo " +
-               std::to_string(entry.tempo()) + " local " +
-               std::to_string(entry.localTranspose()) + " sequence " +
+               " capo " + std::to_string(entry.capo()) + " tempo " + std::to_string(entry.tempo()) +
+               " local " + std::to_string(entry.localTranspose()) + " sequence " +
                fuzz::printable(fuzz::xmlCarried(entry.sequence())) + " library " +
                std::to_string(int(entry.dbflag())) + "\n";
         // As an embedded song's uuid must read back from the file.
@@ -79,7 +78,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     FUZZ_CHECK(back.loadFromFile(first) == StatusSuccess, scene.folder.read(first));
     const String want = describe(set);
     const String got = describe(back);
-    FUZZ_CHECK(want == got, "input " + fuzz::printable(bytes) + "\nwant:\n" + want + "got:\n" + got);
+    FUZZ_CHECK(want == got,
+               "input " + fuzz::printable(bytes) + "\nwant:\n" + want + "got:\n" + got);
 
     const String second = scene.folder.file("sets/second.set");
     FUZZ_CHECK(back.saveToFile(second, false) == StatusSuccess, second);

@@ -66,7 +66,8 @@ void checkTextFile(std::string_view bytes, const String& text) {
         const String copyPath = scratch().file("copy.txt");
         std::filesystem::remove(copyPath);
         TextFile output;
-        FUZZ_CHECK(output.open(copyPath, TextFile::Mode::Write, encoding) == StatusSuccess, copyPath);
+        FUZZ_CHECK(output.open(copyPath, TextFile::Mode::Write, encoding) == StatusSuccess,
+                   copyPath);
         for (const String& line : lines)
             output.writeLine(line);
         FUZZ_CHECK(output.close() == StatusSuccess, copyPath);

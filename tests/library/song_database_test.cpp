@@ -297,8 +297,10 @@ TEST_F(SongDatabaseTest, TwoLibrariesWorkSideBySide) {
     other.setHostName("CHOIRPC");
     m_db.open();
     other.open();
-    ASSERT_NE(m_db.importFile(writeSong("in/One.song", "One", {"a"}, "one-1"), true, true), nullptr);
-    ASSERT_NE(other.importFile(writeSong("in/Two.song", "Two", {"b"}, "two-1"), true, true), nullptr);
+    ASSERT_NE(m_db.importFile(writeSong("in/One.song", "One", {"a"}, "one-1"), true, true),
+              nullptr);
+    ASSERT_NE(other.importFile(writeSong("in/Two.song", "Two", {"b"}, "two-1"), true, true),
+              nullptr);
     EXPECT_NE(m_db.findEntryByUUID("one-1"), nullptr);
     EXPECT_EQ(m_db.findEntryByUUID("two-1"), nullptr);
     EXPECT_NE(other.findEntryByUUID("two-1"), nullptr);

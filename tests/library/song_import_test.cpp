@@ -108,8 +108,8 @@ TEST_F(SongImportTest, SaysWhatCouldNotBeReadOrWritten) {
         const StringArray failed = namesOf(report.failed);
         const String denied = statusMessage(Status(EACCES));
         if (titlesOf(report.imported) != StringArray{"Open"}) return 1;
-        if (failed != StringArray{"Closed: cannot read: " + denied,
-                                  "Locked.song: cannot read: " + denied})
+        if (failed !=
+            StringArray{"Closed: cannot read: " + denied, "Locked.song: cannot read: " + denied})
             return 2;
         library.close();
         return 0;

@@ -54,12 +54,25 @@ TEST(SongInfoTest, KeyNamesUseKeySpellingPieceByPiece) {
     // -30 lies beyond the expected range and still gives a name; an empty
     // key is named "C".
     const std::tuple<const char*, int, const char*> cases[] = {
-        {"Am", 2, "Bm"},        {"E", 4, "Ab"},   {"E", -5, "B"},     {"Db", 0, "C#"},
-        {"G#m", 0, "Abm"},      {"B", 1, "C"},    {"C", -12, "C"},    {"C", 12, "C"},
-        {"", 3, "C"},           {"C", -30, "F#"}, {"G/D", 2, "A//E"}, {"Am-C", 2, "Bm--D"},
-        {"D, E", 2, "E,, E E"}, {"x", 1, "xx"},   {"F#", 6, "C"},     {"Gb", 0, "F#"},
+        {"Am", 2, "Bm"},
+        {"E", 4, "Ab"},
+        {"E", -5, "B"},
+        {"Db", 0, "C#"},
+        {"G#m", 0, "Abm"},
+        {"B", 1, "C"},
+        {"C", -12, "C"},
+        {"C", 12, "C"},
+        {"", 3, "C"},
+        {"C", -30, "F#"},
+        {"G/D", 2, "A//E"},
+        {"Am-C", 2, "Bm--D"},
+        {"D, E", 2, "E,, E E"},
+        {"x", 1, "xx"},
+        {"F#", 6, "C"},
+        {"Gb", 0, "F#"},
         // Found by fuzzing: the largest transpositions overflowed an int.
-        {"G", std::numeric_limits<int>::max(), "D"}, {"G", std::numeric_limits<int>::min(), "B"}};
+        {"G", std::numeric_limits<int>::max(), "D"},
+        {"G", std::numeric_limits<int>::min(), "B"}};
     for (const auto& [key, transpose, name] : cases) {
         EXPECT_EQ(withKey(key).keyName(transpose), name) << key << transpose;
         SongInfo info = withKey(key);
@@ -74,8 +87,9 @@ TEST(SongInfoTest, ReferencesNameTheirFieldsAndEscapeTheirAttributes) {
     reference.setAttribute("Value", "Ps 23 & 24");
     reference.setAttribute("version", "NIV");
     reference.setAttribute("VERSION", "\"KJV\"");  // replaced
-    EXPECT_EQ(reference.writeToText(),
-              "\t<reference type=\"bible\" version=\"&quot;KJV&quot;\">Ps 23 &amp; 24</reference>\n");
+    EXPECT_EQ(
+        reference.writeToText(),
+        "\t<reference type=\"bible\" version=\"&quot;KJV&quot;\">Ps 23 &amp; 24</reference>\n");
     EXPECT_EQ(SongInfo().writeToText(2) + SongInfo().writeToText(4), "");  // XML layouts only
 }
 

@@ -93,7 +93,10 @@ TEST(CairoDrawContextTest, AdvancesFollowTheShapedLine) {
         EXPECT_NEAR(dc.advanceTo(line, 4), dc.textExtent("Jésu").width, 0.5);
 
         // Stray bytes are measured as replacement characters, not dropped.
-        EXPECT_GT(dc.textExtent("Gr\xE2" "ce").width, dc.textExtent("Grce").width);
+        EXPECT_GT(dc.textExtent("Gr\xE2"
+                                "ce")
+                      .width,
+                  dc.textExtent("Grce").width);
     }
 }
 

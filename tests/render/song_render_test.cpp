@@ -106,7 +106,8 @@ void expectLooksLikeGolden(PngImage& image, const String& name) {
         ASSERT_EQ(image.saveToFile(golden), StatusSuccess);
         return;
     }
-    const String actualPath = (std::filesystem::temp_directory_path() / ("melodex-" + name)).string();
+    const String actualPath =
+        (std::filesystem::temp_directory_path() / ("melodex-" + name)).string();
     ASSERT_EQ(image.saveToFile(actualPath), StatusSuccess);
     const std::optional<Thumbnail> expected = thumbnailOf(golden);
     const std::optional<Thumbnail> actual = thumbnailOf(actualPath);
@@ -123,7 +124,8 @@ void expectLooksLikeGolden(PngImage& image, const String& name) {
                 const int nx = x + dx;
                 const int ny = y + dy;
                 if (nx < 0 || ny < 0 || nx >= width || ny >= height) continue;
-                if (std::abs(grey - expected->grey[std::size_t(ny * width + nx)]) <= 48) return true;
+                if (std::abs(grey - expected->grey[std::size_t(ny * width + nx)]) <= 48)
+                    return true;
             }
         }
         return false;
@@ -166,7 +168,8 @@ TEST(SongRenderTest, ChordSheetsLookAsTheyDid) {
         SongDisplayProfile brackets = profileOf(Chords | ProfileFlag::CapoChordsInBrackets, 14);
         ChordDisplayOptions capo;
         capo.capoFret = 1;
-        drawFirstPage(image, brackets, songFrom(test::testDataPath("cli/keys/in_a_flat.song")), capo);
+        drawFirstPage(image, brackets, songFrom(test::testDataPath("cli/keys/in_a_flat.song")),
+                      capo);
         expectLooksLikeGolden(image, "capo_brackets_a_flat.png");
     }
     {
@@ -188,17 +191,23 @@ TEST(SongRenderTest, ChordSheetsLookAsTheyDid) {
 class SetRenderTest : public ::testing::Test {
 protected:
     SetRenderTest() {
-        const String set = "<songset>"
-                           "<songentry><filename>" + Samples + "/holy_holy_holy.song</filename></songentry>"
-                           "<gap/>"
-                           "<songentry transpose=\"-2\" capo=\"2\"><filename>" + Samples +
-                           "/amazing_grace.song</filename></songentry>"
-                           "<songentry sequence=\"V1,C1,V2,C1\"><filename>" + Samples +
-                           "/blessed_assurance.song</filename></songentry>"
-                           "<line/>"
-                           "<songentry><filename>" + Samples +
-                           "/come_thou_fount.song</filename></songentry>"
-                           "</songset>";
+        const String set =
+            "<songset>"
+            "<songentry><filename>" +
+            Samples +
+            "/holy_holy_holy.song</filename></songentry>"
+            "<gap/>"
+            "<songentry transpose=\"-2\" capo=\"2\"><filename>" +
+            Samples +
+            "/amazing_grace.song</filename></songentry>"
+            "<songentry sequence=\"V1,C1,V2,C1\"><filename>" +
+            Samples +
+            "/blessed_assurance.song</filename></songentry>"
+            "<line/>"
+            "<songentry><filename>" +
+            Samples +
+            "/come_thou_fount.song</filename></songentry>"
+            "</songset>";
         EXPECT_EQ(m_set.loadFromFile(m_folder.write("sunday.set", set)), StatusSuccess);
         EXPECT_EQ(m_set.size(), 6);
     }
@@ -256,7 +265,9 @@ TEST(SongRenderTest, ChordsStandOverTheirLettersAsShaped) {
     const struct {
         const char* text;
         std::size_t offset;
-    } lines[] = {{"Jésus, que ma joie demeure", 7}, {"Коль славен наш Господь", 10}, {"奇异恩典 何等甘甜", 5}};
+    } lines[] = {{"Jésus, que ma joie demeure", 7},
+                 {"Коль славен наш Господь", 10},
+                 {"奇异恩典 何等甘甜", 5}};
     for (const auto& line : lines) {
         auto* made = new SongLine;
         made->setText(line.text);
@@ -287,7 +298,8 @@ TEST(SongRenderTest, ChordsStandOverTheirLettersAsShaped) {
             const auto& line = lines[checked++];
             EXPECT_EQ(lyric->text, line.text);
             dc.setFont(lyric->font);
-            EXPECT_NEAR(chord.rect.left, lyric->rect.left + dc.advanceTo(line.text, line.offset), 1e-6)
+            EXPECT_NEAR(chord.rect.left, lyric->rect.left + dc.advanceTo(line.text, line.offset),
+                        1e-6)
                 << line.text;
         }
         EXPECT_EQ(checked, 3u);

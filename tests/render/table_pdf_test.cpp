@@ -20,10 +20,8 @@ Table songTable(int rows) {
     table.addColumn(" Key ");
     table.addColumn(" Author ");
     const char* songs[][3] = {
-        {"Amazing Grace", "G", "John Newton"},
-        {"Stille Nacht", "Bb", "Joseph Mohr & Franz Gruber"},
-        {"Слава Отцу", "Dm", "Традиционный"},
-        {"הללויה", "Em", "תהלים"},
+        {"Amazing Grace", "G", "John Newton"}, {"Stille Nacht", "Bb", "Joseph Mohr & Franz Gruber"},
+        {"Слава Отцу", "Dm", "Традиционный"},  {"הללויה", "Em", "תהלים"},
         {"奇异恩典", "F", "约翰·牛顿"},
     };
     for (int i = 0; i < rows; ++i) {
@@ -135,15 +133,15 @@ TEST(TableOnCairoTest, PrintsAllRowsOverPagesToAPdf) {
     if (!text) GTEST_SKIP() << "pdftotext is not installed";
     EXPECT_EQ(std::count(text->begin(), text->end(), '\f'), printed.pages);
     for (const char* expected : {"Song library: 150 songs", "Title", "Author", "Amazing Grace",
-                                 "Joseph Mohr & Franz Gruber", "Слава Отцу", "奇异恩典",
-                                 "Bb"}) {
+                                 "Joseph Mohr & Franz Gruber", "Слава Отцу", "奇异恩典", "Bb"}) {
         EXPECT_NE(text->find(expected), String::npos) << expected;
     }
     // Page numbers (pdftotext closes up the blanks around the slash).
     EXPECT_NE(text->find("1/" + std::to_string(printed.pages)), String::npos);
     // The header row is repeated on every page.
     std::size_t headers = 0;
-    for (std::size_t at = text->find("Author"); at != String::npos; at = text->find("Author", at + 1))
+    for (std::size_t at = text->find("Author"); at != String::npos;
+         at = text->find("Author", at + 1))
         ++headers;
     EXPECT_EQ(headers, std::size_t(printed.pages));
 }

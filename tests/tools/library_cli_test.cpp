@@ -77,9 +77,9 @@ protected:
             const String title = prefix + " hymn " + std::to_string(n);
             const String line = "Verse " + std::to_string(n) + " of " + prefix;
             if (n % 3 == 0) {
-                m_folder.write(folder + "/" + title,
-                               "<song><title>" + title + "</title><lyrics>[V1]\n " + line +
-                                   "</lyrics></song>");
+                m_folder.write(folder + "/" + title, "<song><title>" + title +
+                                                         "</title><lyrics>[V1]\n " + line +
+                                                         "</lyrics></song>");
             } else {
                 m_folder.write(folder + "/" + title + ".song",
                                "<song><uuid>" + prefix + "-" + std::to_string(n) +
@@ -107,8 +107,8 @@ protected:
             ++library.files;
         }
         IniFile index;
-        const String indexPath = m_folder.file(data + "/Song Database/songdb-" +
-                                               SystemInfo::hostName() + ".ini");
+        const String indexPath =
+            m_folder.file(data + "/Song Database/songdb-" + SystemInfo::hostName() + ".ini");
         EXPECT_EQ(index.load(indexPath), StatusSuccess);
         for (int i = 0; i < index.getKeyCount(); ++i)
             library.sections.insert(index.getKey(i)->name());
@@ -181,7 +181,8 @@ TEST_F(LibraryCliTest, FailuresNameThePathAndTheReasonAndExitWithOne) {
     ASSERT_EQ(::chmod(songFiles.c_str(), 0755), 0);
     run = melodex("--data data library remove hymn-1", true);
     EXPECT_EQ(run.exit, 1);
-    EXPECT_EQ(run.output, "melodex: cannot remove \"" + songFiles + "/Hymn.song\": " + denied + "\n");
+    EXPECT_EQ(run.output,
+              "melodex: cannot remove \"" + songFiles + "/Hymn.song\": " + denied + "\n");
     EXPECT_TRUE(fileExists(songFiles + "/Hymn.song"));
 
     // A library that is wholly someone else's: no change can even begin,
@@ -202,9 +203,9 @@ TEST_F(LibraryCliTest, FailuresNameThePathAndTheReasonAndExitWithOne) {
     m_folder.write("more/New.song", "<song><info><title>New</title></info></song>");
     run = melodex("--data data library import more");
     EXPECT_EQ(run.exit, 1);
-    EXPECT_NE(run.output.find("cannot write \"" + index + "\": " +
-                              statusMessage(StatusNotRegularFile)),
-              String::npos)
+    EXPECT_NE(
+        run.output.find("cannot write \"" + index + "\": " + statusMessage(StatusNotRegularFile)),
+        String::npos)
         << run.output;
 }
 

@@ -53,8 +53,8 @@ TEST(PrintCommandsTest, LibraryListPrintsTheLibraryAsATable) {
 
     const std::optional<String> text = test::pdfText(folder.file("list.pdf"));
     if (!text) GTEST_SKIP() << "pdftotext is not installed";
-    for (const char* expected : {"Song library: 2 songs", "Title", "Key", "Author",
-                                 "Amazing Grace", "John Newton", "noël", "1/1"})
+    for (const char* expected : {"Song library: 2 songs", "Title", "Key", "Author", "Amazing Grace",
+                                 "John Newton", "noël", "1/1"})
         EXPECT_NE(text->find(expected), String::npos) << expected << " in\n" << *text;
 }
 

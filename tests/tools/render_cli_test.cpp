@@ -96,8 +96,7 @@ TEST(RenderCliTest, TheSampleSetWithItsRunningOrderAndEverySong) {
         EXPECT_NE(songs.find(expected), String::npos) << expected;
     }
     const String last = std::to_string(pages.size());
-    EXPECT_NE(replaceAll(collapsed(pages.back()), " / ", "/").find(last + "/" + last),
-              String::npos)
+    EXPECT_NE(replaceAll(collapsed(pages.back()), " / ", "/").find(last + "/" + last), String::npos)
         << pages.back();
 }
 

@@ -30,7 +30,8 @@ TEST(CachedImageTest, KnowsImagesByTheirFirstBytes) {
         {"\x89PN", ImageFormat::None},
         {"", ImageFormat::None},
     };
-    for (const Case& c : cases) EXPECT_EQ(imageFormatOf(c.bytes), c.format) << c.bytes;
+    for (const Case& c : cases)
+        EXPECT_EQ(imageFormatOf(c.bytes), c.format) << c.bytes;
     EXPECT_STREQ(imageMimeType(ImageFormat::Svg), "image/svg+xml");
 }
 

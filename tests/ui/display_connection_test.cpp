@@ -19,7 +19,9 @@ protected:
         if (!m_server.started()) GTEST_SKIP() << m_server.error();
     }
 
-    bool connect(DisplayConnection& display) { return display.connect("127.0.0.1", m_server.port()); }
+    bool connect(DisplayConnection& display) {
+        return display.connect("127.0.0.1", m_server.port());
+    }
 
     // The server's own view, through a second client.
     DisplayScreenState mainScreen() {
@@ -116,7 +118,8 @@ TEST_F(DisplayConnectionTest, ARefusedImageIsStillHeldAndTheConnectionGoesOn) {
     EXPECT_TRUE(display.ping());
     DisplayStatus status;
     ASSERT_TRUE(display.getStatus(status));
-    EXPECT_EQ(status.screen(DisplayScreen::Main).foreground.path, "");  // the server's state did not move
+    EXPECT_EQ(status.screen(DisplayScreen::Main).foreground.path,
+              "");  // the server's state did not move
 }
 
 TEST_F(DisplayConnectionTest, ImagesStayInTheCacheWhileShownAndGoBackAtDestruction) {

@@ -21,7 +21,8 @@ namespace {
 using test::LineClient;
 
 void replaceAll(std::string& text, const std::string& from, const std::string& to) {
-    for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
+    for (std::size_t at = text.find(from); at != std::string::npos;
+         at = text.find(from, at + to.size()))
         text.replace(at, from.size(), to);
 }
 
@@ -40,7 +41,8 @@ protected:
     }
 
     static bool pings(LineClient& client) {
-        return client.request(R"({"id":"p","op":"ping"})").find(R"("id":"p","ok":true)") != std::string::npos;
+        return client.request(R"({"id":"p","op":"ping"})").find(R"("id":"p","ok":true)") !=
+               std::string::npos;
     }
 
     test::DisplayServerProcess m_server;
@@ -78,7 +80,8 @@ TEST_F(DisplayProtocolTest, AnswersBadInputWithTypedErrorsAndStaysUsable) {
     };
     const Case cases[] = {
         {std::string(70000, 'x'), R"({"error":{"code":"line_too_long")"},
-        {"{\"id\":1,\"op\":\"status\"" + std::string(66000, ' ') + "}", R"("code":"line_too_long")"},
+        {"{\"id\":1,\"op\":\"status\"" + std::string(66000, ' ') + "}",
+         R"("code":"line_too_long")"},
         {"this is not JSON", R"({"error":{"code":"parse_error")"},
         {R"({"id":2,"op":)", R"("code":"parse_error")"},
         {R"(["status"])", R"("code":"bad_request")"},
@@ -86,12 +89,16 @@ TEST_F(DisplayProtocolTest, AnswersBadInputWithTypedErrorsAndStaysUsable) {
         {R"({"id":4})", R"("code":"bad_request")"},
         {R"({"id":5,"op":42})", R"("code":"bad_request")"},
         {R"({"id":6,"op":"dance"})", R"("code":"unknown_op")"},
-        {R"({"id":7,"op":"set_image","layer":"foreground","path":7})", R"("code":"invalid_params")"},
+        {R"({"id":7,"op":"set_image","layer":"foreground","path":7})",
+         R"("code":"invalid_params")"},
         {R"({"id":8,"op":"set_image","layer":"middle","path":""})", R"("code":"invalid_params")"},
         {R"({"id":9,"op":"set_image","layer":"foreground"})", R"("code":"invalid_params")"},
-        {R"({"id":10,"op":"set_image","layer":"foreground","path":"red.png"})", R"("code":"invalid_params")"},
-        {R"({"id":11,"op":"set_image","layer":"foreground","path":"/no/such/file.png"})", R"("code":"not_found")"},
-        {R"({"id":12,"op":"set_image","layer":"foreground","path":")" + test::testDataPath("display") + "\"}",
+        {R"({"id":10,"op":"set_image","layer":"foreground","path":"red.png"})",
+         R"("code":"invalid_params")"},
+        {R"({"id":11,"op":"set_image","layer":"foreground","path":"/no/such/file.png"})",
+         R"("code":"not_found")"},
+        {R"({"id":12,"op":"set_image","layer":"foreground","path":")" +
+             test::testDataPath("display") + "\"}",
          R"("code":"not_found")"},
         {R"({"id":13,"op":"set_image","layer":"foreground","path":")" +
              test::testDataPath("display/not-an-image.png") + "\"}",
@@ -111,27 +118,32 @@ TEST_F(DisplayProtocolTest, AnswersBadInputWithTypedErrorsAndStaysUsable) {
         {R"({"id":20,"op":"subscribe","screens":"main"})", R"("code":"invalid_params")"},
         {R"({"id":21,"op":"shown","seq":"last"})", R"("code":"invalid_params")"},
         {R"({"id":22,"op":"hello","versions":[7]})", R"("code":"unsupported_version")"},
-        {"{\"id\":23,\"op\":\"set_stage\",\"title\":\"\xC3\x28\"}", R"("code":"parse_error")"},  // not UTF-8
+        {"{\"id\":23,\"op\":\"set_stage\",\"title\":\"\xC3\x28\"}",
+         R"("code":"parse_error")"},  // not UTF-8
     };
     auto client = greeted();
     for (const Case& c : cases) {
         const std::string reply = client->request(c.line);
-        EXPECT_NE(reply.find(c.reply), std::string::npos) << c.line.substr(0, 120) << "\n -> " << reply;
+        EXPECT_NE(reply.find(c.reply), std::string::npos)
+            << c.line.substr(0, 120) << "\n -> " << reply;
         ASSERT_TRUE(pings(*client)) << "after " << c.line.substr(0, 120);
     }
     // Blank lines are skipped, a CR before the LF is allowed.
     EXPECT_TRUE(client->send("\n  \n"));
     EXPECT_EQ(client->request("{\"id\":30,\"op\":\"ping\"}\r").find(R"({"id":30,"ok":true)"), 0u);
     // Nothing above changed the state.
-    EXPECT_NE(client->request(R"({"id":31,"op":"status"})").find(R"("result":{"screens")"), std::string::npos);
+    EXPECT_NE(client->request(R"({"id":31,"op":"status"})").find(R"("result":{"screens")"),
+              std::string::npos);
     EXPECT_NE(client->request(R"({"id":32,"op":"status"})").find(R"("seq":0)"), std::string::npos);
 }
 
 TEST_F(DisplayProtocolTest, WantsHelloFirstAndTheRightVersion) {
     LineClient client(m_server.port());
-    EXPECT_NE(client.request(R"({"id":1,"op":"status"})").find(R"({"error":{"code":"hello_required")"),
-              std::string::npos);
-    EXPECT_NE(client.request(R"({"id":2,"op":"hello","versions":"1"})").find(R"("code":"invalid_params")"),
+    EXPECT_NE(
+        client.request(R"({"id":1,"op":"status"})").find(R"({"error":{"code":"hello_required")"),
+        std::string::npos);
+    EXPECT_NE(client.request(R"({"id":2,"op":"hello","versions":"1"})")
+                  .find(R"("code":"invalid_params")"),
               std::string::npos);
     EXPECT_NE(client.request(R"({"id":3,"op":"hello","versions":[2,1]})").find(R"("protocol":1)"),
               std::string::npos);
@@ -142,9 +154,11 @@ TEST(DisplayServerTokenTest, AServerWithATokenWantsItInHello) {
     test::DisplayServerProcess server({"--token", "s3cret"});
     if (!server.started()) GTEST_SKIP() << server.error();
     LineClient client(server.port());
-    EXPECT_NE(client.request(R"({"id":1,"op":"hello","versions":[1]})").find(R"("code":"unauthorized")"),
+    EXPECT_NE(
+        client.request(R"({"id":1,"op":"hello","versions":[1]})").find(R"("code":"unauthorized")"),
+        std::string::npos);
+    EXPECT_NE(client.request(R"({"id":2,"op":"status"})").find(R"("code":"hello_required")"),
               std::string::npos);
-    EXPECT_NE(client.request(R"({"id":2,"op":"status"})").find(R"("code":"hello_required")"), std::string::npos);
     EXPECT_NE(client.request(R"({"id":3,"op":"hello","token":"s3cret"})").find(R"("ok":true)"),
               std::string::npos);
     ProjectorClient controller;
@@ -157,7 +171,8 @@ TEST(DisplayServerTokenTest, AServerWithATokenWantsItInHello) {
 TEST_F(DisplayProtocolTest, ServesEightClientsAtOnce) {
     constexpr int Clients = 8;
     constexpr int Rounds = 40;
-    const std::string images[] = {test::testDataPath("display/red.png"), test::testDataPath("display/blue.png")};
+    const std::string images[] = {test::testDataPath("display/red.png"),
+                                  test::testDataPath("display/blue.png")};
     std::atomic<int> failures = 0;
     std::vector<std::thread> threads;
     for (int c = 0; c < Clients; ++c) {
@@ -169,13 +184,15 @@ TEST_F(DisplayProtocolTest, ServesEightClientsAtOnce) {
             }
             if (c % 2 == 0 && !client.subscribe()) ++failures;
             for (int i = 0; i < Rounds; ++i) {
-                if (!client.setImage(DisplayScreen(i % 2), DisplayLayer(c % 2), images[(c + i) % 2], i % 4, nullptr))
+                if (!client.setImage(DisplayScreen(i % 2), DisplayLayer(c % 2), images[(c + i) % 2],
+                                     i % 4, nullptr))
                     ++failures;
                 if (!client.updateDisplayStatus()) ++failures;
             }
         });
     }
-    for (std::thread& thread : threads) thread.join();
+    for (std::thread& thread : threads)
+        thread.join();
     EXPECT_EQ(failures, 0);
     ProjectorClient check;
     ASSERT_TRUE(check.connect("127.0.0.1", m_server.port()));
@@ -203,14 +220,19 @@ TEST_F(DisplayProtocolTest, AClientThatNeverReadsHoldsUpNoOne) {
     // A long stage text makes each status reply some 20 kB, so that a few
     // hundred unread replies outgrow what the server holds for a peer.
     std::string lines;
-    for (int i = 0; i < 200; ++i) lines += std::string(i ? "," : "") + R"({"text":")" + std::string(90, 'a') + "\"}";
-    ASSERT_NE(steady->request(R"({"id":1,"op":"set_stage","current":[)" + lines + "]}").find(R"("ok":true)"),
+    for (int i = 0; i < 200; ++i)
+        lines += std::string(i ? "," : "") + R"({"text":")" + std::string(90, 'a') + "\"}";
+    ASSERT_NE(steady->request(R"({"id":1,"op":"set_stage","current":[)" + lines + "]}")
+                  .find(R"("ok":true)"),
               std::string::npos);
     std::string burst;
-    for (int i = 0; i < 500; ++i) burst += R"({"id":1,"op":"status"})" "\n";
+    for (int i = 0; i < 500; ++i)
+        burst += R"({"id":1,"op":"status"})"
+                 "\n";
     std::thread flood([&] { greedy->send(burst); });
     int answered = 0;
-    for (int i = 0; i < 20; ++i) answered += pings(*steady) ? 1 : 0;
+    for (int i = 0; i < 20; ++i)
+        answered += pings(*steady) ? 1 : 0;
     flood.join();
     EXPECT_EQ(answered, 20);
     EXPECT_TRUE(pings(*steady));

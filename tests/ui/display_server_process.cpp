@@ -25,7 +25,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 int remainingMs(Clock::time_point deadline) {
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
+    const auto left =
+        std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
     return left > 0 ? int(left) : 0;
 }
 
@@ -42,7 +43,8 @@ DisplayServerProcess::DisplayServerProcess(const std::vector<std::string>& optio
     std::vector<std::string> words = {program, "--port", "0", "--http-port", "0"};
     words.insert(words.end(), options.begin(), options.end());
     std::vector<char*> argv;
-    for (std::string& word : words) argv.push_back(word.data());
+    for (std::string& word : words)
+        argv.push_back(word.data());
     argv.push_back(nullptr);
     m_pid = fork();
     if (m_pid == 0) {

@@ -29,9 +29,11 @@ Song hymn() {
     song.info().setKey("G");
     song.info().setAttribute("capo", "2");
     song.info().setAttribute("tempo", "72");
-    song.addSection(section(SectionType::Verse, "V1", {"Jésus, lumière du monde", "Guide nos pas"}));
+    song.addSection(
+        section(SectionType::Verse, "V1", {"Jésus, lumière du monde", "Guide nos pas"}));
     song.getSection(0)->getLine(0)->addChord(SongChord("G", 0));
-    song.getSection(0)->getLine(0)->addChord(SongChord("D/F#", 7));  // after "Jésus, " in characters
+    song.getSection(0)->getLine(0)->addChord(
+        SongChord("D/F#", 7));  // after "Jésus, " in characters
     song.addSection(section(SectionType::Chorus, "C", {"Alléluia"}));
     return song;
 }
@@ -74,7 +76,8 @@ TEST(DisplayStageTest, RefusesWrongTypesAndValuesBeyondTheLimits) {
         {R"({"tempo":-1})", "tempo must be an integer from 0 to 400"},
         {R"({"current":"Amazing grace"})", "current must be an array of at most 200 lines"},
         {R"({"next":[7]})", "next holds a line that is not an object"},
-        {R"({"current":[{"text":"a","chords":[{"offset":"x"}]}]})", "offset must be an integer from 0 to 4096"},
+        {R"({"current":[{"text":"a","chords":[{"offset":"x"}]}]})",
+         "offset must be an integer from 0 to 4096"},
         {R"({"current":[{"text":"a","chords":[3]}]})", "current: a chord must be an object"},
     };
     DisplayStage stage = DisplayStage::fromSong(hymn(), 0);
@@ -92,7 +95,8 @@ TEST(DisplayStatusTest, TravelsThroughJsonAndNamesItsWords) {
     DisplayStatus status;
     status.seq = 12;
     DisplayScreenState& main = status.screen(DisplayScreen::Main);
-    main.background = {"/slides/sky.png", "/image/1", ImageMode::Stretch, DisplayTransition::fade(400)};
+    main.background = {"/slides/sky.png", "/image/1", ImageMode::Stretch,
+                       DisplayTransition::fade(400)};
     main.blank = DisplayBlank::White;
     main.viewers = 2;
     main.shownSeq = 11;

@@ -118,7 +118,8 @@ TEST(ManagedObjectManagerTest, EightThreadsAddAndRemoveTenThousandTimesEach) {
             }
         });
     }
-    for (std::thread& thread : threads) thread.join();
+    for (std::thread& thread : threads)
+        thread.join();
     EXPECT_EQ(deaths, Threads * Rounds);
     EXPECT_EQ(manager.count(), 1);
     EXPECT_EQ(M::refCountOf(shared), 1);

@@ -90,8 +90,7 @@ TEST(SongLayoutTest, ChordsStandOverTheirLettersSpelledInTheSongsKey) {
 
     // In A flat: G# and C# are spelled Ab and Db; the running order is the
     // song's own, the chorus after each verse.
-    EXPECT_EQ(textsOf(layout, Role::Chord),
-              (StringArray{"Ab", "Db/F", "Eb", "Ab", "Ab"}));
+    EXPECT_EQ(textsOf(layout, Role::Chord), (StringArray{"Ab", "Db/F", "Eb", "Ab", "Ab"}));
     const struct {
         const char* chord;
         const char* lyric;
@@ -104,7 +103,8 @@ TEST(SongLayoutTest, ChordsStandOverTheirLettersSpelledInTheSongsKey) {
         ASSERT_NE(lyric, nullptr);
         EXPECT_EQ(lyric->text, expected[i].lyric);
         // 10 points a code point, whatever the script.
-        EXPECT_DOUBLE_EQ(chords[i]->rect.left, lyric->rect.left + 10.0 * double(expected[i].offset));
+        EXPECT_DOUBLE_EQ(chords[i]->rect.left,
+                         lyric->rect.left + 10.0 * double(expected[i].offset));
         EXPECT_DOUBLE_EQ(chords[i]->font.size, 40.0 / 3);
         EXPECT_EQ(chords[i]->color, profile.style(StyleKind::Chord).FontColor);
     }
@@ -302,8 +302,8 @@ TEST(SongLayoutTest, ColumnsAsTheProfileAsks) {
 TEST(SongLayoutTest, LongLinesWrapWithTheirChordsOrAreCutOff) {
     Song song;
     // 39 letters of 10 points on a page 300 wide with margins of 36: 228 points.
-    song.addSection(sectionOf(SectionType::Verse,
-                              {lineOf("Praise God from whom all blessings flow", {{"G", 0}, {"D", 25}})}));
+    song.addSection(sectionOf(SectionType::Verse, {lineOf("Praise God from whom all blessings flow",
+                                                          {{"G", 0}, {"D", 25}})}));
     song.generateSectionIDs();
     SongDisplayProfile profile = profileOf(Words | ProfileFlag::ShowChords);
     FixedAdvanceDrawContext dc(true, {300, 400});
@@ -317,7 +317,7 @@ TEST(SongLayoutTest, LongLinesWrapWithTheirChordsOrAreCutOff) {
     const Item* rest = lyricUnder(wrapped, *chords[1]);
     ASSERT_NE(rest, nullptr);
     EXPECT_EQ(rest->text, "all blessings flow");
-    EXPECT_DOUBLE_EQ(rest->rect.left, 36 + 20);                // going on: one em in
+    EXPECT_DOUBLE_EQ(rest->rect.left, 36 + 20);                    // going on: one em in
     EXPECT_DOUBLE_EQ(chords[1]->rect.left, rest->rect.left + 40);  // over the "b"
     for (const Item& item : wrapped.items())
         EXPECT_FALSE(item.clip) << item.text;
@@ -391,8 +391,8 @@ TEST(SongLayoutTest, ADarkProfileFillsThePage) {
     EXPECT_EQ(ops.front().kind, FixedAdvanceDrawContext::Operation::Kind::Fill);
     EXPECT_EQ(ops.front().color, 0u);
     EXPECT_EQ(ops.front().rect, (RectF{0, 0, 300, 400}));
-    const auto lyric = std::find_if(ops.begin(), ops.end(),
-                                    [](const auto& op) { return op.text == "Holy holy"; });
+    const auto lyric =
+        std::find_if(ops.begin(), ops.end(), [](const auto& op) { return op.text == "Holy holy"; });
     ASSERT_NE(lyric, ops.end());
     EXPECT_EQ(lyric->color, 0xFFFFFFu);
     EXPECT_EQ(lyric->background, BackgroundMode::Transparent);

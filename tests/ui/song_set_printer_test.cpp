@@ -92,8 +92,8 @@ TEST_F(SongSetPrinterTest, PrintsTheRunningOrderThenTheSongsNumberedOn) {
     EXPECT_EQ(firstPage.front(), "Sunday");
     // The songs as their entries say: in F, played in D shapes; the
     // Doxology's verse twice; the page numbered after the running order.
-    for (const char* text : {"Amazing Grace", "Key: F    Capo: 3    Tempo: 80", "D", "G",
-                             "Doxology", "2 / 2"}) {
+    for (const char* text :
+         {"Amazing Grace", "Key: F    Capo: 3    Tempo: 80", "D", "G", "Doxology", "2 / 2"}) {
         EXPECT_NE(std::find(secondPage.begin(), secondPage.end(), text), secondPage.end()) << text;
     }
     EXPECT_EQ(std::count(secondPage.begin(), secondPage.end(), String("Praise God")), 2);

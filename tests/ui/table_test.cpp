@@ -97,7 +97,8 @@ TEST(TableTest, EveryCellOfAColumnIsAsWideAsItsWidestText) {
     // "Amazing Grace" (13 x 4) widens the "Title" header (5 x 4) and, after
     // the second pass, the "A" of the row above it; "Key" (3 x 4) stays the
     // widest of its column.
-    for (TableRow* row : {static_cast<TableRow*>(&table), table.row(0), table.row(1), table.row(2)}) {
+    for (TableRow* row :
+         {static_cast<TableRow*>(&table), table.row(0), table.row(1), table.row(2)}) {
         EXPECT_EQ(row->cell(0)->size(0).width, 52) << row->cell(0)->text();
         EXPECT_EQ(row->cell(1)->size(0).width, 12) << row->cell(1)->text();
         EXPECT_EQ(row->size(0), (Size{64, 10}));
@@ -140,14 +141,16 @@ TEST(TableTest, HitTestingFindsRowsAndTheDropPositionAfterTheLast) {
         int extending;
     } cases[] = {
         {{11, 35}, 0, 0},    {{73, 59}, 2, 2},   {{10, 40}, 1, 1},  // inside rows
-        {{11, 25}, -1, -1},                                      // the header
-        {{11, 5}, -1, -1},                                       // above the table
-        {{11, 60}, -1, 3},   {{11, 400}, -1, 3},                 // below the last row
-        {{300, 45}, -1, -1},                                     // beside a row
+        {{11, 25}, -1, -1},                                         // the header
+        {{11, 5}, -1, -1},                                          // above the table
+        {{11, 60}, -1, 3},   {{11, 400}, -1, 3},                    // below the last row
+        {{300, 45}, -1, -1},                                        // beside a row
     };
     for (const Case& c : cases) {
-        EXPECT_EQ(table.getSelectedRowIndex(c.point, false), c.plain) << c.point.x << "," << c.point.y;
-        EXPECT_EQ(table.getSelectedRowIndex(c.point, true), c.extending) << c.point.x << "," << c.point.y;
+        EXPECT_EQ(table.getSelectedRowIndex(c.point, false), c.plain)
+            << c.point.x << "," << c.point.y;
+        EXPECT_EQ(table.getSelectedRowIndex(c.point, true), c.extending)
+            << c.point.x << "," << c.point.y;
     }
     EXPECT_EQ(table.getSelectedRow({11, 45}), table.row(1));
     EXPECT_EQ(table.getSelectedRow({11, 60}), nullptr);

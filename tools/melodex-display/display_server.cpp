@@ -11,8 +11,8 @@
 #include <functional>
 #include <iterator>
 #include <map>
-#include <optional>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -75,22 +75,26 @@ std::string errorReply(const json& id, const std::string& code, const std::strin
 std::string stringParam(const json& request, const char* name, const std::string& fallback) {
     const auto found = request.find(name);
     if (found == request.end() || found->is_null()) return fallback;
-    if (!found->is_string()) throw RequestError{"invalid_params", std::string(name) + " must be a string"};
+    if (!found->is_string())
+        throw RequestError{"invalid_params", std::string(name) + " must be a string"};
     return found->get<std::string>();
 }
 
 std::string requiredString(const json& request, const char* name) {
-    if (!request.contains(name)) throw RequestError{"invalid_params", std::string(name) + " is missing"};
+    if (!request.contains(name))
+        throw RequestError{"invalid_params", std::string(name) + " is missing"};
     return stringParam(request, name, {});
 }
 
-std::int64_t integerParam(const json& request, const char* name, std::int64_t low, std::int64_t high,
-                          std::int64_t fallback) {
+std::int64_t integerParam(const json& request, const char* name, std::int64_t low,
+                          std::int64_t high, std::int64_t fallback) {
     const auto found = request.find(name);
     if (found == request.end() || found->is_null()) return fallback;
-    if (!found->is_number_integer() || found->get<std::int64_t>() < low || found->get<std::int64_t>() > high)
+    if (!found->is_number_integer() || found->get<std::int64_t>() < low ||
+        found->get<std::int64_t>() > high)
         throw RequestError{"invalid_params", std::string(name) + " must be an integer from " +
-                                                 std::to_string(low) + " to " + std::to_string(high)};
+                                                 std::to_string(low) + " to " +
+                                                 std::to_string(high)};
     return found->get<std::int64_t>();
 }
 
@@ -201,7 +205,9 @@ struct DisplayServer::Impl {
     // returns by itself.
     std::unordered_map<const void*, std::function<void()>> connections;
     std::optional<net::steady_timer> deadline;
-    void opened(const void* key, std::function<void()> closer) { connections[key] = std::move(closer); }
+    void opened(const void* key, std::function<void()> closer) {
+        connections[key] = std::move(closer);
+    }
     void closed(const void* key) {
         connections.erase(key);
         if (stopping && connections.empty() && deadline) deadline->cancel();
@@ -237,7 +243,8 @@ namespace {
 // through a queue of its own.
 class TcpPeer : public Peer, public std::enable_shared_from_this<TcpPeer> {
 public:
-    TcpPeer(DisplayServer::Impl& server, tcp::socket socket) : m_server(server), m_socket(std::move(socket)) {}
+    TcpPeer(DisplayServer::Impl& server, tcp::socket socket)
+        : m_server(server), m_socket(std::move(socket)) {}
 
     void start() {
         ErrorCode ignored;
@@ -269,14 +276,15 @@ public:
 private:
     void read() {
         auto self = shared_from_this();
-        m_socket.async_read_some(net::buffer(m_chunk), [this, self](ErrorCode error, std::size_t size) {
-            if (error) {
-                close();
-                return;
-            }
-            m_pending.append(m_chunk.data(), size);
-            drain();
-        });
+        m_socket.async_read_some(net::buffer(m_chunk),
+                                 [this, self](ErrorCode error, std::size_t size) {
+                                     if (error) {
+                                         close();
+                                         return;
+                                     }
+                                     m_pending.append(m_chunk.data(), size);
+                                     drain();
+                                 });
     }
 
     // Answers one line per turn of the loop, so that a client with many
@@ -314,19 +322,20 @@ private:
 
     void write() {
         auto self = shared_from_this();
-        net::async_write(m_socket, net::buffer(m_queue.front()), [this, self](ErrorCode error, std::size_t) {
-            if (error) {
-                close();
-                return;
-            }
-            m_queuedBytes -= m_queue.front().size();
-            m_queue.pop_front();
-            if (!m_queue.empty()) {
-                write();
-            } else if (m_finishing) {
-                close();
-            }
-        });
+        net::async_write(m_socket, net::buffer(m_queue.front()),
+                         [this, self](ErrorCode error, std::size_t) {
+                             if (error) {
+                                 close();
+                                 return;
+                             }
+                             m_queuedBytes -= m_queue.front().size();
+                             m_queue.pop_front();
+                             if (!m_queue.empty()) {
+                                 write();
+                             } else if (m_finishing) {
+                                 close();
+                             }
+                         });
     }
 
     DisplayServer::Impl& m_server;
@@ -354,7 +363,8 @@ void TcpPeer::close() {
 // answered, and a write queue of its own as on TCP.
 class WebSocketPeer : public Peer, public std::enable_shared_from_this<WebSocketPeer> {
 public:
-    WebSocketPeer(DisplayServer::Impl& server, tcp::socket socket) : m_server(server), m_ws(std::move(socket)) {}
+    WebSocketPeer(DisplayServer::Impl& server, tcp::socket socket)
+        : m_server(server), m_ws(std::move(socket)) {}
 
     void start(http::request<http::string_body> request) {
         m_server.opened(this, [weak = weak_from_this()] {
@@ -408,9 +418,10 @@ private:
             }
             const std::string text = beast::buffers_to_string(self->m_buffer.data());
             self->m_buffer.consume(self->m_buffer.size());
-            const std::string reply = self->m_ws.got_text()
-                                          ? self->m_server.handle(*self, text)
-                                          : errorReply(nullptr, "bad_request", "send JSON in text frames");
+            const std::string reply =
+                self->m_ws.got_text()
+                    ? self->m_server.handle(*self, text)
+                    : errorReply(nullptr, "bad_request", "send JSON in text frames");
             if (!reply.empty()) self->send(reply);
             if (!self->m_closed) self->read();
         });
@@ -418,19 +429,20 @@ private:
 
     void write() {
         m_ws.text(true);
-        m_ws.async_write(net::buffer(m_queue.front()), [self = shared_from_this()](ErrorCode error, std::size_t) {
-            if (error) {
-                self->close();
-                return;
-            }
-            self->m_queuedBytes -= self->m_queue.front().size();
-            self->m_queue.pop_front();
-            if (!self->m_queue.empty() && !self->m_closed) {
-                self->write();
-            } else if (self->m_finishing) {
-                self->close();
-            }
-        });
+        m_ws.async_write(net::buffer(m_queue.front()),
+                         [self = shared_from_this()](ErrorCode error, std::size_t) {
+                             if (error) {
+                                 self->close();
+                                 return;
+                             }
+                             self->m_queuedBytes -= self->m_queue.front().size();
+                             self->m_queue.pop_front();
+                             if (!self->m_queue.empty() && !self->m_closed) {
+                                 self->write();
+                             } else if (self->m_finishing) {
+                                 self->close();
+                             }
+                         });
     }
 
     DisplayServer::Impl& m_server;
@@ -446,7 +458,8 @@ private:
 // another, until it asks for the WebSocket and becomes a WebSocketPeer.
 class HttpSession : public std::enable_shared_from_this<HttpSession> {
 public:
-    HttpSession(DisplayServer::Impl& server, tcp::socket socket) : m_server(server), m_stream(std::move(socket)) {}
+    HttpSession(DisplayServer::Impl& server, tcp::socket socket)
+        : m_server(server), m_stream(std::move(socket)) {}
 
     void start() {
         m_server.opened(this, [weak = weak_from_this()] {
@@ -468,8 +481,9 @@ private:
         m_parser->header_limit(16 * 1024);
         m_parser->body_limit(64 * 1024);
         m_stream.expires_after(std::chrono::seconds(30));
-        http::async_read(m_stream, m_buffer, *m_parser,
-                         [self = shared_from_this()](ErrorCode error, std::size_t) { self->answer(error); });
+        http::async_read(
+            m_stream, m_buffer, *m_parser,
+            [self = shared_from_this()](ErrorCode error, std::size_t) { self->answer(error); });
     }
 
     void answer(ErrorCode error) {
@@ -481,13 +495,16 @@ private:
         const std::string_view target(request.target().data(), request.target().size());
         if (websocket::is_upgrade(request) && target.substr(0, target.find('?')) == "/ws" &&
             m_server.peers.size() < MaxPeers && !m_server.stopping) {
-            std::make_shared<WebSocketPeer>(m_server, m_stream.release_socket())->start(std::move(request));
+            std::make_shared<WebSocketPeer>(m_server, m_stream.release_socket())
+                ->start(std::move(request));
             m_server.closed(this);
             return;
         }
-        const std::string_view method(request.method_string().data(), request.method_string().size());
+        const std::string_view method(request.method_string().data(),
+                                      request.method_string().size());
         DisplayServer::Impl::HttpReply reply = m_server.serveHttp(method, target);
-        auto response = std::make_shared<http::response<http::string_body>>(reply.status, request.version());
+        auto response =
+            std::make_shared<http::response<http::string_body>>(reply.status, request.version());
         response->set(http::field::server, "melodex-display");
         response->set(http::field::content_type, reply.contentType);
         response->set(http::field::cache_control, "no-cache");
@@ -495,13 +512,15 @@ private:
         response->keep_alive(request.keep_alive());
         response->body() = std::move(reply.body);
         response->prepare_payload();
-        http::async_write(m_stream, *response, [self = shared_from_this(), response](ErrorCode writeError, std::size_t) {
-            if (writeError || !response->keep_alive() || self->m_server.stopping) {
-                self->end();
-                return;
-            }
-            self->read();
-        });
+        http::async_write(
+            m_stream, *response,
+            [self = shared_from_this(), response](ErrorCode writeError, std::size_t) {
+                if (writeError || !response->keep_alive() || self->m_server.stopping) {
+                    self->end();
+                    return;
+                }
+                self->read();
+            });
     }
 
     DisplayServer::Impl& m_server;
@@ -513,11 +532,11 @@ private:
 }  // namespace
 
 DisplayServer::Impl::Impl(ServerOptions serverOptions) : options(std::move(serverOptions)) {
-    handlers = {{"hello", &Impl::opHello},         {"version", &Impl::opVersion},
-                {"status", &Impl::opStatus},       {"subscribe", &Impl::opSubscribe},
-                {"set_image", &Impl::opSetImage},  {"clear", &Impl::opClear},
-                {"blank", &Impl::opBlank},         {"set_stage", &Impl::opSetStage},
-                {"shown", &Impl::opShown},         {"ping", &Impl::opPing},
+    handlers = {{"hello", &Impl::opHello},        {"version", &Impl::opVersion},
+                {"status", &Impl::opStatus},      {"subscribe", &Impl::opSubscribe},
+                {"set_image", &Impl::opSetImage}, {"clear", &Impl::opClear},
+                {"blank", &Impl::opBlank},        {"set_stage", &Impl::opSetStage},
+                {"shown", &Impl::opShown},        {"ping", &Impl::opPing},
                 {"shutdown", &Impl::opShutdown}};
 }
 
@@ -527,8 +546,10 @@ std::string DisplayServer::Impl::handle(Peer& peer, std::string_view text) {
     if (text.size() > MaxLineBytes)
         return errorReply(nullptr, "line_too_long", "a message may hold at most 65536 bytes");
     const json request = json::parse(text, nullptr, false);
-    if (request.is_discarded()) return errorReply(nullptr, "parse_error", "the message is not JSON");
-    if (!request.is_object()) return errorReply(nullptr, "bad_request", "a request must be a JSON object");
+    if (request.is_discarded())
+        return errorReply(nullptr, "parse_error", "the message is not JSON");
+    if (!request.is_object())
+        return errorReply(nullptr, "bad_request", "a request must be a JSON object");
     json id = request.contains("id") ? request["id"] : json(nullptr);
     if (!id.is_null() && !id.is_number_integer() && !id.is_string())
         return errorReply(nullptr, "bad_request", "id must be an integer or a string");
@@ -540,7 +561,8 @@ std::string DisplayServer::Impl::handle(Peer& peer, std::string_view text) {
         if (!peer.greeted && name != "hello")
             throw RequestError{"hello_required", "say hello first"};
         const auto handler = handlers.find(name);
-        if (handler == handlers.end()) throw RequestError{"unknown_op", "no operation \"" + name + "\""};
+        if (handler == handlers.end())
+            throw RequestError{"unknown_op", "no operation \"" + name + "\""};
         json result = (this->*handler->second)(peer, request);
         return dumpJson({{"id", id}, {"ok", true}, {"result", std::move(result)}});
     } catch (const RequestError& error) {
@@ -561,9 +583,11 @@ json DisplayServer::Impl::opHello(Peer& peer, const json& request) {
         throw RequestError{"invalid_params", "versions must be an array of integers"};
     } else {
         for (const json& version : *versions)
-            if (version.is_number_integer() && version.get<std::int64_t>() == ProtocolVersion) chosen = ProtocolVersion;
+            if (version.is_number_integer() && version.get<std::int64_t>() == ProtocolVersion)
+                chosen = ProtocolVersion;
     }
-    if (chosen == 0) throw RequestError{"unsupported_version", "this server speaks protocol version 1"};
+    if (chosen == 0)
+        throw RequestError{"unsupported_version", "this server speaks protocol version 1"};
     if (!options.token.empty() && stringParam(request, "token", {}) != options.token)
         throw RequestError{"unauthorized", "the token is missing or wrong"};
     peer.greeted = true;
@@ -575,7 +599,8 @@ json DisplayServer::Impl::opHello(Peer& peer, const json& request) {
 }
 
 json DisplayServer::Impl::opVersion(Peer&, const json&) {
-    return {{"server", "melodex-display"}, {"version", MELODEX_VERSION}, {"protocol", ProtocolVersion}};
+    return {
+        {"server", "melodex-display"}, {"version", MELODEX_VERSION}, {"protocol", ProtocolVersion}};
 }
 
 json DisplayServer::Impl::opStatus(Peer&, const json&) {
@@ -584,7 +609,8 @@ json DisplayServer::Impl::opStatus(Peer&, const json&) {
 
 json DisplayServer::Impl::opSubscribe(Peer& peer, const json& request) {
     std::array<bool, DisplayScreenCount> wanted{true, true};
-    if (const auto screens = request.find("screens"); screens != request.end() && !screens->is_null()) {
+    if (const auto screens = request.find("screens");
+        screens != request.end() && !screens->is_null()) {
         if (!screens->is_array()) throw RequestError{"invalid_params", "screens must be an array"};
         wanted = {};
         for (const json& item : *screens) {
@@ -597,7 +623,8 @@ json DisplayServer::Impl::opSubscribe(Peer& peer, const json& request) {
     const auto viewerParam = request.find("viewer");
     if (viewerParam != request.end() && !viewerParam->is_boolean() && !viewerParam->is_null())
         throw RequestError{"invalid_params", "viewer must be true or false"};
-    const bool viewer = viewerParam != request.end() && viewerParam->is_boolean() && viewerParam->get<bool>();
+    const bool viewer =
+        viewerParam != request.end() && viewerParam->is_boolean() && viewerParam->get<bool>();
     peer.subscribed = wanted;
     for (int i = 0; i < DisplayScreenCount; ++i) {
         const bool views = viewer && wanted[std::size_t(i)];
@@ -615,15 +642,17 @@ json DisplayServer::Impl::opSetImage(Peer&, const json& request) {
     if (!layerFromName(requiredString(request, "layer"), layer))
         throw RequestError{"invalid_params", "layer must be \"foreground\" or \"background\""};
     const std::string path = requiredString(request, "path");
-    const int mode = int(integerParam(request, "mode", 0, ImageMode::Last,
-                                      layer == DisplayLayer::Foreground ? ImageMode::Fit : ImageMode::Fill));
+    const int mode =
+        int(integerParam(request, "mode", 0, ImageMode::Last,
+                         layer == DisplayLayer::Foreground ? ImageMode::Fit : ImageMode::Fill));
     const DisplayTransition transition = transitionParam(request);
     std::string url;
     if (!path.empty()) {
         if (!isAbsolutePath(path)) throw RequestError{"invalid_params", "path must be absolute"};
         if (!fileExists(path)) throw RequestError{"not_found", "no such file: " + path};
         if (imageFileFormat(path) == ImageFormat::None)
-            throw RequestError{"not_an_image", "not a PNG, JPEG, GIF, WebP, BMP or SVG file: " + path};
+            throw RequestError{"not_an_image",
+                               "not a PNG, JPEG, GIF, WebP, BMP or SVG file: " + path};
         auto [entry, added] = imageIds.try_emplace(path, int(imageIds.size()) + 1);
         if (added) imagePaths[entry->second] = path;
         url = "/image/" + std::to_string(entry->second);
@@ -655,7 +684,8 @@ json DisplayServer::Impl::opClear(Peer&, const json& request) {
         state.layer(layer).url.clear();
         state.layer(layer).transition = {};
     } else {
-        throw RequestError{"invalid_params", "layer must be \"foreground\", \"background\" or \"all\""};
+        throw RequestError{"invalid_params",
+                           "layer must be \"foreground\", \"background\" or \"all\""};
     }
     changed(screen);
     return {{"seq", status.seq}};
@@ -664,7 +694,8 @@ json DisplayServer::Impl::opClear(Peer&, const json& request) {
 json DisplayServer::Impl::opBlank(Peer&, const json& request) {
     DisplayBlank mode;
     if (!blankFromName(requiredString(request, "mode"), mode))
-        throw RequestError{"invalid_params", "mode must be \"none\", \"black\", \"white\" or \"background\""};
+        throw RequestError{"invalid_params",
+                           "mode must be \"none\", \"black\", \"white\" or \"background\""};
     if (request.contains("screen") && !request["screen"].is_null()) {
         const DisplayScreen screen = screenParam(request, DisplayScreen::Main);
         status.screen(screen).blank = mode;
@@ -804,10 +835,12 @@ std::string DisplayServer::Impl::screenPage(DisplayScreen screen) const {
                     {"state", json::parse(status.screen(screen).toJson())}};
     // The state goes inside a <script> element: "</" must not end it early.
     std::string script = dumpJson(initial);
-    for (std::size_t at = script.find("</"); at != std::string::npos; at = script.find("</", at + 3))
+    for (std::size_t at = script.find("</"); at != std::string::npos;
+         at = script.find("</", at + 3))
         script.replace(at, 2, "<\\/");
     const auto replace = [&html](std::string_view marker, const std::string& text) {
-        for (std::size_t at = html.find(marker); at != std::string::npos; at = html.find(marker, at + text.size()))
+        for (std::size_t at = html.find(marker); at != std::string::npos;
+             at = html.find(marker, at + text.size()))
             html.replace(at, marker.size(), text);
     };
     replace("@SCREEN@", screenName(screen));
@@ -816,10 +849,11 @@ std::string DisplayServer::Impl::screenPage(DisplayScreen screen) const {
 }
 
 DisplayServer::Impl::HttpReply DisplayServer::Impl::serveHttp(std::string_view method,
-                                                             std::string_view target) const {
+                                                              std::string_view target) const {
     const std::size_t question = target.find('?');
     const std::string path(target.substr(0, question));
-    const auto query = queryOf(question == std::string_view::npos ? std::string_view() : target.substr(question + 1));
+    const auto query = queryOf(question == std::string_view::npos ? std::string_view()
+                                                                  : target.substr(question + 1));
     const auto text = [](http::status code, std::string body) {
         return HttpReply{code, "text/plain; charset=utf-8", std::move(body)};
     };
@@ -839,10 +873,12 @@ DisplayServer::Impl::HttpReply DisplayServer::Impl::serveHttp(std::string_view m
         // Only files a controller named, by the number given to them: a URL
         // never carries a path, so it cannot reach anything else.
         const std::string digits = path.substr(7);
-        if (digits.empty() || digits.size() > 9 || digits.find_first_not_of("0123456789") != std::string::npos)
+        if (digits.empty() || digits.size() > 9 ||
+            digits.find_first_not_of("0123456789") != std::string::npos)
             return text(http::status::not_found, "not found\n");
         const auto found = imagePaths.find(std::stoi(digits));
-        const ImageFormat format = found == imagePaths.end() ? ImageFormat::None : imageFileFormat(found->second);
+        const ImageFormat format =
+            found == imagePaths.end() ? ImageFormat::None : imageFileFormat(found->second);
         if (format == ImageFormat::None) return text(http::status::not_found, "not found\n");
         std::ifstream file(found->second, std::ios::binary);
         std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
@@ -850,7 +886,8 @@ DisplayServer::Impl::HttpReply DisplayServer::Impl::serveHttp(std::string_view m
     }
     // The page's script and style sheet; the page template itself only
     // through its screen's address.
-    if (path.size() > 1 && path.find('/', 1) == std::string::npos && path.find(".html") == std::string::npos) {
+    if (path.size() > 1 && path.find('/', 1) == std::string::npos &&
+        path.find(".html") == std::string::npos) {
         if (const WebAsset* asset = findWebAsset(path.substr(1)))
             return {http::status::ok, std::string(asset->contentType), std::string(asset->body)};
     }
@@ -859,7 +896,8 @@ DisplayServer::Impl::HttpReply DisplayServer::Impl::serveHttp(std::string_view m
 
 // --- the server -------------------------------------------------------------
 
-DisplayServer::DisplayServer(ServerOptions options) : m_impl(std::make_unique<Impl>(std::move(options))) {}
+DisplayServer::DisplayServer(ServerOptions options)
+    : m_impl(std::make_unique<Impl>(std::move(options))) {}
 
 DisplayServer::~DisplayServer() = default;
 
@@ -881,8 +919,8 @@ bool DisplayServer::listen(std::string& error) {
     if (!code) impl.acceptor.bind(control, code);
     if (!code) impl.acceptor.listen(net::socket_base::max_listen_connections, code);
     if (code) {
-        error = "cannot listen on " + impl.options.address + ":" + std::to_string(impl.options.port) + ": " +
-                code.message();
+        error = "cannot listen on " + impl.options.address + ":" +
+                std::to_string(impl.options.port) + ": " + code.message();
         return false;
     }
     impl.boundPort = impl.acceptor.local_endpoint().port();
@@ -893,8 +931,8 @@ bool DisplayServer::listen(std::string& error) {
     if (!code) impl.webAcceptor.bind(screens, code);
     if (!code) impl.webAcceptor.listen(net::socket_base::max_listen_connections, code);
     if (code) {
-        error = "cannot listen on " + impl.options.address + ":" + std::to_string(impl.options.httpPort) + ": " +
-                code.message();
+        error = "cannot listen on " + impl.options.address + ":" +
+                std::to_string(impl.options.httpPort) + ": " + code.message();
         return false;
     }
     impl.boundHttpPort = impl.webAcceptor.local_endpoint().port();

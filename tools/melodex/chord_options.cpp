@@ -2,8 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
-#include "profile_commands.h"
 #include "melodex/display/song_display_profile.h"
+#include "profile_commands.h"
 
 namespace melodex::cli {
 
@@ -27,10 +27,10 @@ void addCapoOption(CLI::App& command, ChordOptions& options) {
     // count frets, so the command line does, and the library turns it.
     command
         .add_option("--capo", options.capo,
-                     "the fret of the capo (0 for none): chords show as played with it, e.g. "
-                     "--capo 3 shows a song's F as the D shape, or as \"F(D)\" (sounding chord "
-                     "first) under a profile that puts capo chords in brackets. Default: the "
-                     "profile's capo rule (none for Chords)")
+                    "the fret of the capo (0 for none): chords show as played with it, e.g. "
+                    "--capo 3 shows a song's F as the D shape, or as \"F(D)\" (sounding chord "
+                    "first) under a profile that puts capo chords in brackets. Default: the "
+                    "profile's capo rule (none for Chords)")
         ->check(CLI::Range(0, 11));
 }
 

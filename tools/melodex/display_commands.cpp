@@ -73,14 +73,17 @@ void showStatus(const ServerOptions& server) {
     fmt::print("{} at {}:{}, change {}\n", version, server.host, server.port, status.seq);
     for (int i = 0; i < DisplayScreenCount; ++i) {
         const DisplayScreenState& screen = status.screens[std::size_t(i)];
-        fmt::print("\n{} screen: {} page{} showing it{}\n", screenName(DisplayScreen(i)), screen.viewers,
-                   screen.viewers == 1 ? "" : "s",
-                   screen.shownSeq > 0 ? fmt::format(", change {} on screen", screen.shownSeq) : String());
-        fmt::print("  background  {}\n  foreground  {}\n  blank       {}\n", describeLayer(screen.background),
-                   describeLayer(screen.foreground), blankName(screen.blank));
+        fmt::print(
+            "\n{} screen: {} page{} showing it{}\n", screenName(DisplayScreen(i)), screen.viewers,
+            screen.viewers == 1 ? "" : "s",
+            screen.shownSeq > 0 ? fmt::format(", change {} on screen", screen.shownSeq) : String());
+        fmt::print("  background  {}\n  foreground  {}\n  blank       {}\n",
+                   describeLayer(screen.background), describeLayer(screen.foreground),
+                   blankName(screen.blank));
         if (screen.hasStage) {
             const DisplayStage& stage = screen.stage;
-            fmt::print("  stage       {} / {} ({} line{}, next {})\n", stage.title.empty() ? "-" : stage.title,
+            fmt::print("  stage       {} / {} ({} line{}, next {})\n",
+                       stage.title.empty() ? "-" : stage.title,
                        stage.section.empty() ? "-" : stage.section, stage.current.size(),
                        stage.current.size() == 1 ? "" : "s", stage.next.size());
         }
@@ -102,8 +105,9 @@ void showImage(const ServerOptions& server, const ImageOptions& options) {
         shown = options.background ? display.setBackgroundImage(&image, mode, transition)
                                    : display.setForegroundImage(&image, mode, transition);
     } else {
-        shown = display.setImage(screen, options.background ? DisplayLayer::Background : DisplayLayer::Foreground,
-                                 image.path(), mode, transition);
+        shown = display.setImage(
+            screen, options.background ? DisplayLayer::Background : DisplayLayer::Foreground,
+            image.path(), mode, transition);
     }
     if (!shown) failRequest(display, "cannot show " + options.file);
 }
@@ -111,12 +115,12 @@ void showImage(const ServerOptions& server, const ImageOptions& options) {
 void clearScreen(const ServerOptions& server, const std::string& layerWord) {
     DisplayLayer layer = DisplayLayer::Foreground;
     const bool all = layerWord == "all";
-    if (!all && !layerFromName(layerWord, layer)) failUsage("--layer must be foreground, background or all");
+    if (!all && !layerFromName(layerWord, layer))
+        failUsage("--layer must be foreground, background or all");
     const DisplayScreen screen = screenOption(server, DisplayScreen::Main);
     DisplayConnection display;
     connectTo(display, server);
-    if (!display.clear(screen, all, layer))
-        failRequest(display, "cannot clear the screen");
+    if (!display.clear(screen, all, layer)) failRequest(display, "cannot clear the screen");
 }
 
 void blankScreens(const ServerOptions& server, const std::string& modeWord) {
@@ -130,7 +134,8 @@ void blankScreens(const ServerOptions& server, const std::string& modeWord) {
 }
 
 void showStage(const ServerOptions& server, const StageOptions& options) {
-    if (options.transpose < -11 || options.transpose > 11) failUsage("--transpose must be from -11 to 11");
+    if (options.transpose < -11 || options.transpose > 11)
+        failUsage("--transpose must be from -11 to 11");
     const DisplayScreen screen = screenOption(server, DisplayScreen::Stage);
     Song song;
     if (const Status status = song.loadFromFile(options.song); status != StatusSuccess)
@@ -140,7 +145,8 @@ void showStage(const ServerOptions& server, const StageOptions& options) {
         index = DisplayStage::findSection(song, options.section);
         if (index < 0) {
             StringArray ids;
-            for (int i = 0; i < song.getSectionCount(); ++i) ids.push_back(song.getSection(i)->id());
+            for (int i = 0; i < song.getSectionCount(); ++i)
+                ids.push_back(song.getSection(i)->id());
             fail(fmt::format("{} has no section {} (it has {})", options.song, options.section,
                              ids.empty() ? String("none") : join(ids, ", ")));
         }
@@ -150,8 +156,7 @@ void showStage(const ServerOptions& server, const StageOptions& options) {
     const DisplayStage stage = DisplayStage::fromSong(song, index, options.transpose);
     DisplayConnection display;
     connectTo(display, server);
-    if (!display.setStage(stage, screen))
-        failRequest(display, "cannot show the stage text");
+    if (!display.setStage(stage, screen)) failRequest(display, "cannot show the stage text");
 }
 
 void shutdownServer(const ServerOptions& server) {
@@ -163,7 +168,8 @@ void shutdownServer(const ServerOptions& server) {
 }  // namespace
 
 void addDisplayCommands(CLI::App& app) {
-    CLI::App* group = app.add_subcommand("display", "Drive a running display server (melodex-display)");
+    CLI::App* group =
+        app.add_subcommand("display", "Drive a running display server (melodex-display)");
     group->require_subcommand(1);
     group->fallthrough();
     auto server = std::make_shared<ServerOptions>();
@@ -177,8 +183,10 @@ void addDisplayCommands(CLI::App& app) {
     status->callback([server] { showStatus(*server); });
 
     auto image = std::make_shared<ImageOptions>();
-    CLI::App* imageCommand = group->add_subcommand("image", "Show an image on the projection screen");
-    imageCommand->add_option("FILE", image->file, "an image file (PNG, JPEG, GIF, WebP, BMP, SVG)")->required();
+    CLI::App* imageCommand =
+        group->add_subcommand("image", "Show an image on the projection screen");
+    imageCommand->add_option("FILE", image->file, "an image file (PNG, JPEG, GIF, WebP, BMP, SVG)")
+        ->required();
     imageCommand->add_flag("-b,--background", image->background, "show it as the background");
     imageCommand->add_option("--mode", image->mode,
                              "fill, fit, stretch or centre (default fit, fill for the background)");
@@ -187,19 +195,23 @@ void addDisplayCommands(CLI::App& app) {
     imageCommand->callback([server, image] { showImage(*server, *image); });
 
     auto layer = std::make_shared<std::string>("all");
-    CLI::App* clearCommand = group->add_subcommand("clear", "Remove images (and the stage text) from a screen");
+    CLI::App* clearCommand =
+        group->add_subcommand("clear", "Remove images (and the stage text) from a screen");
     clearCommand->add_option("--layer", *layer, "foreground, background or all (default)");
     clearCommand->callback([server, layer] { clearScreen(*server, *layer); });
 
     auto blankMode = std::make_shared<std::string>();
-    CLI::App* blankCommand = group->add_subcommand("blank", "Blank the screens, or show them again");
+    CLI::App* blankCommand =
+        group->add_subcommand("blank", "Blank the screens, or show them again");
     blankCommand->add_option("MODE", *blankMode, "none, black, white or background")->required();
     blankCommand->callback([server, blankMode] { blankScreens(*server, *blankMode); });
 
     auto stage = std::make_shared<StageOptions>();
-    CLI::App* stageCommand = group->add_subcommand("stage", "Show a song section on the stage screen");
+    CLI::App* stageCommand =
+        group->add_subcommand("stage", "Show a song section on the stage screen");
     stageCommand->add_option("--song", stage->song, "a song file")->required();
-    stageCommand->add_option("--section", stage->section, "the section's id, such as V1 (default: the first)");
+    stageCommand->add_option("--section", stage->section,
+                             "the section's id, such as V1 (default: the first)");
     stageCommand->add_option("--transpose", stage->transpose, "semitones, -11 to 11");
     stageCommand->callback([server, stage] { showStage(*server, *stage); });
 

@@ -7,7 +7,8 @@
 //     melodex [--data DIR] library search TEXT           songs whose titles, first lines or
 //                                                        index entries hold the text
 //     melodex [--data DIR] library show ID-OR-TITLE      a library song with its chords
-//     melodex [--data DIR] library remove ID             take a song out (deletes the library's copy)
+//     melodex [--data DIR] library remove ID             take a song out (deletes the library's
+//     copy)
 //
 // Without --data the library is the configured one (theAppConfig); with it,
 // DIR/"Song Database" and its "Song Files" folder.

@@ -55,14 +55,15 @@ void printLibraryList(const std::string& path) {
     }
 
     TablePrintOptions options;
-    options.title = fmt::format("Song library: {} song{}", rows.size(), rows.size() == 1 ? "" : "s");
+    options.title =
+        fmt::format("Song library: {} song{}", rows.size(), rows.size() == 1 ? "" : "s");
     const std::string pdf = printTableToPdf(table, options);
     if (pdf.empty()) fail("cannot draw the PDF of the song library");
     writeOutput(path, pdf);
     if (!isStandardStream(path)) {
         const int pages = table.rowcount() > 0 ? table.row(table.rowcount() - 1)->page() + 1 : 1;
-        fmt::print("Printed {} song{} on {} page{} to {}\n", rows.size(), rows.size() == 1 ? "" : "s",
-                   pages, pages == 1 ? "" : "s", path);
+        fmt::print("Printed {} song{} on {} page{} to {}\n", rows.size(),
+                   rows.size() == 1 ? "" : "s", pages, pages == 1 ? "" : "s", path);
     }
 }
 

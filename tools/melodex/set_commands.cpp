@@ -12,13 +12,13 @@
 #include "chord_options.h"
 #include "command_line.h"
 #include "library_commands.h"
-#include "render_output.h"
 #include "melodex/foundation/file_system.h"
 #include "melodex/foundation/status.h"
 #include "melodex/library/song_set.h"
 #include "melodex/song/chord_sheet.h"
 #include "melodex/song/song.h"
 #include "melodex/ui/song_set_printer.h"
+#include "render_output.h"
 
 namespace melodex::cli {
 
@@ -118,8 +118,8 @@ String describe(const Unresolved& missing, const SongSet& set) {
 // transposition, capo and local transposition, spelled under the profile.
 String sheetOf(const SongSetEntry& entry, const ShowOptions& options) {
     const Song& song = *entry.song();
-    return chordSheet(song, chordSheetOptions(chosenProfile(options.profile), song,
-                                              entry.chordDisplayOptions()));
+    return chordSheet(
+        song, chordSheetOptions(chosenProfile(options.profile), song, entry.chordDisplayOptions()));
 }
 
 void printListing(const SongSet& set, const std::vector<Item>& items, const ShowOptions& options) {

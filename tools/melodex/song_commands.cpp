@@ -8,13 +8,13 @@
 
 #include "chord_options.h"
 #include "command_line.h"
-#include "render_output.h"
 #include "melodex/foundation/file_system.h"
 #include "melodex/library/song_db_file_entry.h"
 #include "melodex/song/chord_sheet.h"
 #include "melodex/song/song.h"
 #include "melodex/song/song_conversion.h"
 #include "melodex/ui/song_layout.h"
+#include "render_output.h"
 
 namespace melodex::cli {
 

@@ -60,8 +60,7 @@ ChordDisplay::ChordDisplay(SongDisplayProfile& profile, int songKey, int transpo
     // profile file may hold any transposition.
     : m_profile(&profile), m_transpose(wrapNote((long long)transpose + profile.transpose())) {
     const int shownKey = wrapNote((long long)songKey + m_transpose);
-    m_localTranspose =
-        localTranspose ? *localTranspose : profile.defaultLocalTranspose(shownKey);
+    m_localTranspose = localTranspose ? *localTranspose : profile.defaultLocalTranspose(shownKey);
     if (capoFret)
         m_capoFret = *capoFret;
     else if (profile.capoPosition() != 0)

@@ -75,9 +75,9 @@ private:
 
 // How one use of a song shows it: the shifts and the capo of that use.
 struct ChordDisplayOptions {
-    int transpose = 0;                    // semitones the song is shown moved by
-    std::optional<int> capoFret;          // see ChordDisplay
-    std::optional<int> localTranspose;    // see ChordDisplay
+    int transpose = 0;                  // semitones the song is shown moved by
+    std::optional<int> capoFret;        // see ChordDisplay
+    std::optional<int> localTranspose;  // see ChordDisplay
     // The running order; empty: the plain-text sheet prints every section
     // once, a SongLayout follows the song's own running order.
     String sequence;

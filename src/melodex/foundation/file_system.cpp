@@ -132,8 +132,8 @@ Status createUnnamedAndLink(const String& target, std::string_view bytes) {
     } else {
         const String self = "/proc/self/fd/" + std::to_string(fd);
         if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, target.c_str(), AT_SYMLINK_FOLLOW) != 0)
-            status = errno == ENOENT && !folderExists("/proc/self") ? Status(EOPNOTSUPP)
-                                                                     : lastError();
+            status =
+                errno == ENOENT && !folderExists("/proc/self") ? Status(EOPNOTSUPP) : lastError();
     }
     ::close(fd);
     return status;
@@ -392,8 +392,8 @@ Status writeFileAtomically(std::string_view path, std::string_view bytes, WriteM
         ::unlink(temporary.c_str());
         return status;
     }
-    const Status placed = mode == WriteMode::Replace ? renameOver(temporary, target)
-                                                     : linkAsNew(temporary, target);
+    const Status placed =
+        mode == WriteMode::Replace ? renameOver(temporary, target) : linkAsNew(temporary, target);
     if (placed != StatusSuccess || mode == WriteMode::CreateNew) ::unlink(temporary.c_str());
     return placed;
 }

@@ -85,8 +85,7 @@ struct FolderItem {
 // The items of a folder (not "." and ".."), sorted by name so that results
 // do not depend on the file system; nullopt when it cannot be opened or
 // read, with the reason in `status` when one is given.
-std::optional<std::vector<FolderItem>> listFolder(std::string_view path,
-                                                  Status* status = nullptr);
+std::optional<std::vector<FolderItem>> listFolder(std::string_view path, Status* status = nullptr);
 
 // The path with every symbolic link resolved and made absolute, so that a
 // folder reached by two roads is known to be one; absolutePath(path) when

@@ -57,10 +57,9 @@ void FileError::record(Action what, std::string_view where, Status result) {
 
 std::string FileError::message() const {
     if (status == StatusSuccess) return {};
-    static constexpr const char* Verbs[] = {"cannot use",         "cannot read",
-                                            "cannot write",       "cannot remove",
-                                            "cannot create folder", "cannot list folder",
-                                            "cannot lock"};
+    static constexpr const char* Verbs[] = {
+        "cannot use",           "cannot read",        "cannot write", "cannot remove",
+        "cannot create folder", "cannot list folder", "cannot lock"};
     std::string text = Verbs[int(action)];
     if (!path.empty()) text += " \"" + path + "\"";
     return text + ": " + statusMessage(status);

@@ -173,7 +173,8 @@ unsigned SongDatabase::open() {
     // would cost more than everything else that open does.
     Status listed = StatusSuccess;
     const std::optional<std::vector<FolderItem>> items = listFolder(songFilesFolder(), &listed);
-    if (!items && listed != ENOENT) m_error.record(FileError::Action::List, songFilesFolder(), listed);
+    if (!items && listed != ENOENT)
+        m_error.record(FileError::Action::List, songFilesFolder(), listed);
     EntriesByName byName;
     std::unordered_set<std::string_view> present;
     if (items) {
@@ -643,7 +644,8 @@ SongDBFileEntry* SongDatabase::importSong(Song& song, const String& sourcePath, 
     // keep it: song() reads the library's copy when it is wanted. An import
     // of thousands of songs then holds none of them, and never parses what
     // it has just written.
-    SongDBFileEntry* entry = addFileEntry(target, std::shared_ptr<Song>(std::shared_ptr<Song>(), &song));
+    SongDBFileEntry* entry =
+        addFileEntry(target, std::shared_ptr<Song>(std::shared_ptr<Song>(), &song));
     if (entry) entry->m_song.reset();
     if (entry && save) (void)saveDatabaseFiles();
     return entry;

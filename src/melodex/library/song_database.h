@@ -350,12 +350,12 @@ private:
     FileError m_error;
     FileLock m_lock;
     int m_changeDepth = 0;
-    bool m_folderChanged = false;   // files of the folder changed under this lock
+    bool m_folderChanged = false;     // files of the folder changed under this lock
     std::uint64_t m_seenChanges = 0;  // the lock's change count when this library last looked
     std::optional<std::int64_t> m_folderStamp;  // the song files folder's time then
     std::chrono::milliseconds m_lockTimeout{30000};
     FileLock::WaitNotice m_lockNotice;
-    String m_openFolder;      // as open() settled it
+    String m_openFolder;  // as open() settled it
     mutable Lookup m_byUuid;
     mutable Lookup m_byFilename;
 };

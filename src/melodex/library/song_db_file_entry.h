@@ -154,7 +154,6 @@ private:
     // already at hand (null: ask the file system).
     bool load(const ConfigKey* key, const std::unordered_set<std::string_view>* present);
 
-
     // load(path) for a song already read from that path; the entry takes it.
     bool loadFromSong(std::shared_ptr<Song> song, const String& path);
     // Steps of load(path) after the song is read.

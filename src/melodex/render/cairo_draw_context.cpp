@@ -63,10 +63,10 @@ struct CairoDrawContext::Impl {
         // The context's resolution is 72 dots per inch, so a point is one
         // unit of the Cairo context and the size goes in unchanged.
         pango_font_description_set_size(description, int(state.font.size * PANGO_SCALE + 0.5));
-        pango_font_description_set_weight(description,
-                                          state.font.bold ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
-        pango_font_description_set_style(description,
-                                         state.font.italic ? PANGO_STYLE_ITALIC : PANGO_STYLE_NORMAL);
+        pango_font_description_set_weight(
+            description, state.font.bold ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
+        pango_font_description_set_style(
+            description, state.font.italic ? PANGO_STYLE_ITALIC : PANGO_STYLE_NORMAL);
         pango_layout_set_font_description(layout, description);
         fontChanged = false;
         haveMetrics = false;

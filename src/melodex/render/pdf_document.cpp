@@ -34,8 +34,8 @@ struct PdfDocument::Impl {
 
 PdfDocument::PdfDocument(SizeF pageSize) : m_impl(std::make_unique<Impl>()) {
     Impl& d = *m_impl;
-    d.surface = cairo_pdf_surface_create_for_stream(appendBytes, &d.bytes, pageSize.width,
-                                                    pageSize.height);
+    d.surface =
+        cairo_pdf_surface_create_for_stream(appendBytes, &d.bytes, pageSize.width, pageSize.height);
     cairo_pdf_surface_set_metadata(d.surface, CAIRO_PDF_METADATA_CREATOR, "Melodex");
     d.cr = cairo_create(d.surface);
     d.context = std::make_unique<CairoDrawContext>(d.cr, pageSize, true);

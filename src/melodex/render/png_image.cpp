@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstddef>
 #include <csetjmp>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -18,8 +18,8 @@ namespace melodex {
 namespace {
 
 void appendBytes(png_structp png, png_bytep data, png_size_t length) {
-    static_cast<std::string*>(png_get_io_ptr(png))->append(reinterpret_cast<const char*>(data),
-                                                          length);
+    static_cast<std::string*>(png_get_io_ptr(png))
+        ->append(reinterpret_cast<const char*>(data), length);
 }
 
 void flushNothing(png_structp) {}
@@ -64,7 +64,8 @@ bool encodePng(cairo_surface_t* surface, std::string& out, std::vector<png_byte>
     png_write_info(png, info);
     for (int y = 0; y < height; ++y) {
         // RGB24 keeps each pixel as a native-endian 32-bit 0x00RRGGBB.
-        const auto* pixels = reinterpret_cast<const std::uint32_t*>(data + std::ptrdiff_t(y) * stride);
+        const auto* pixels =
+            reinterpret_cast<const std::uint32_t*>(data + std::ptrdiff_t(y) * stride);
         for (int x = 0; x < width; ++x) {
             row[std::size_t(x) * 3] = png_byte((pixels[x] >> 16) & 0xFF);
             row[std::size_t(x) * 3 + 1] = png_byte((pixels[x] >> 8) & 0xFF);

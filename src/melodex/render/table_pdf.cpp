@@ -11,8 +11,8 @@ int printInto(PdfDocument& pdf, Table& table, const TablePrintOptions& options) 
 
 }  // namespace
 
-PrintResult printTableToPdf(Table& table, std::string_view path,
-                            const TablePrintOptions& options, SizeF pageSize) {
+PrintResult printTableToPdf(Table& table, std::string_view path, const TablePrintOptions& options,
+                            SizeF pageSize) {
     PrintResult result;
     PdfDocument pdf(pageSize);
     const int pages = printInto(pdf, table, options);

@@ -32,8 +32,7 @@ struct [[nodiscard]] PrintResult {
 
 // Writes the PDF to `path` atomically.
 PrintResult printTableToPdf(Table& table, std::string_view path,
-                            const TablePrintOptions& options = {},
-                            SizeF pageSize = PageSizeA4);
+                            const TablePrintOptions& options = {}, SizeF pageSize = PageSizeA4);
 
 // The bytes of the PDF; empty when drawing failed.
 std::string printTableToPdf(Table& table, const TablePrintOptions& options = {},

@@ -31,7 +31,8 @@ ImageFormat imageFormatOf(std::string_view bytes) {
     if (bytes.size() >= 12 && startsWith(bytes, "RIFF") && bytes.substr(8, 4) == "WEBP")
         return ImageFormat::WebP;
     // "BM" alone is too weak: the reserved fields after the size must be zero.
-    if (bytes.size() >= 14 && startsWith(bytes, "BM") && bytes.substr(6, 4) == std::string_view("\0\0\0\0", 4))
+    if (bytes.size() >= 14 && startsWith(bytes, "BM") &&
+        bytes.substr(6, 4) == std::string_view("\0\0\0\0", 4))
         return ImageFormat::Bmp;
     if (looksLikeSvg(bytes.substr(0, 512))) return ImageFormat::Svg;
     return ImageFormat::None;
@@ -47,13 +48,20 @@ ImageFormat imageFileFormat(std::string_view path) {
 
 const char* imageMimeType(ImageFormat format) {
     switch (format) {
-        case ImageFormat::Png: return "image/png";
-        case ImageFormat::Jpeg: return "image/jpeg";
-        case ImageFormat::Gif: return "image/gif";
-        case ImageFormat::WebP: return "image/webp";
-        case ImageFormat::Bmp: return "image/bmp";
-        case ImageFormat::Svg: return "image/svg+xml";
-        case ImageFormat::None: break;
+        case ImageFormat::Png:
+            return "image/png";
+        case ImageFormat::Jpeg:
+            return "image/jpeg";
+        case ImageFormat::Gif:
+            return "image/gif";
+        case ImageFormat::WebP:
+            return "image/webp";
+        case ImageFormat::Bmp:
+            return "image/bmp";
+        case ImageFormat::Svg:
+            return "image/svg+xml";
+        case ImageFormat::None:
+            break;
     }
     return "application/octet-stream";
 }

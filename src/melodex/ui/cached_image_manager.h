@@ -58,7 +58,7 @@ private:
     CachedImage* addLocked(const CachedImage& image);
 
     mutable std::mutex m_mutex;
-    std::unordered_map<String, Entry> m_images;                // by absolute path
+    std::unordered_map<String, Entry> m_images;              // by absolute path
     std::unordered_map<const CachedImage*, String> m_paths;  // the copies handed out
 };
 

@@ -45,7 +45,8 @@ bool DisplayConnection::getStatus(DisplayStatus& status) {
     return true;
 }
 
-bool DisplayConnection::setForegroundImage(CachedImage* image, int mode, DisplayTransition* transition) {
+bool DisplayConnection::setForegroundImage(CachedImage* image, int mode,
+                                           DisplayTransition* transition) {
     if (!isConnected()) return false;
     theImageMgr.remove(m_foregroundImage);
     m_foregroundImage = nullptr;
@@ -58,7 +59,8 @@ bool DisplayConnection::setForegroundImage(CachedImage* image, int mode, Display
     return ProjectorClient::setForegroundImage(path, mode, transition);
 }
 
-bool DisplayConnection::setBackgroundImage(CachedImage* image, int mode, DisplayTransition* transition) {
+bool DisplayConnection::setBackgroundImage(CachedImage* image, int mode,
+                                           DisplayTransition* transition) {
     if (!isConnected()) return false;
     theImageMgr.remove(m_backgroundImage);
     m_backgroundImage = nullptr;

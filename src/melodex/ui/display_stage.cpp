@@ -70,7 +70,8 @@ bool readString(const json& object, const char* name, String& out, String& error
 bool readInteger(const json& object, const char* name, int low, int high, int& out, String& error) {
     const auto found = object.find(name);
     if (found == object.end() || found->is_null()) return true;
-    if (!found->is_number_integer() || found->get<long long>() < low || found->get<long long>() > high) {
+    if (!found->is_number_integer() || found->get<long long>() < low ||
+        found->get<long long>() > high) {
         error = String(name) + " must be an integer from " + std::to_string(low) + " to " +
                 std::to_string(high);
         return false;
@@ -103,7 +104,8 @@ bool readLines(const json& object, const char* name, std::vector<StageLine>& out
             for (const json& chordItem : *chords) {
                 StageChord chord;
                 if (!chordItem.is_object() ||
-                    !readInteger(chordItem, "offset", 0, int(DisplayStage::MaxTextBytes), chord.offset, error) ||
+                    !readInteger(chordItem, "offset", 0, int(DisplayStage::MaxTextBytes),
+                                 chord.offset, error) ||
                     !readString(chordItem, "name", chord.name, error)) {
                     if (error.empty()) error = what + ": a chord must be an object";
                     return false;
@@ -133,7 +135,8 @@ DisplayStage DisplayStage::fromSong(const Song& song, int index, int transposeBy
     const SongSection& section = *song.getSection(index);
     stage.section = sectionName(section);
     stage.current = stageLines(section, transposeBy);
-    if (index + 1 < song.getSectionCount()) stage.next = stageLines(*song.getSection(index + 1), transposeBy);
+    if (index + 1 < song.getSectionCount())
+        stage.next = stageLines(*song.getSection(index + 1), transposeBy);
     return stage;
 }
 
@@ -144,10 +147,14 @@ int DisplayStage::findSection(const Song& song, std::string_view id) {
 }
 
 String DisplayStage::toJson() const {
-    const json object = {{"title", title},         {"section", section},
-                         {"key", key},             {"capo", capo},
-                         {"transpose", transpose}, {"tempo", tempo},
-                         {"current", linesToJson(current)}, {"next", linesToJson(next)}};
+    const json object = {{"title", title},
+                         {"section", section},
+                         {"key", key},
+                         {"capo", capo},
+                         {"transpose", transpose},
+                         {"tempo", tempo},
+                         {"current", linesToJson(current)},
+                         {"next", linesToJson(next)}};
     return object.dump(-1, ' ', false, json::error_handler_t::replace);
 }
 

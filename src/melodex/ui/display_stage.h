@@ -38,8 +38,8 @@ public:
     static constexpr std::size_t MaxChords = 64;
 
     String title;
-    String section;  // "Verse 1", "Chorus" ...
-    String key;      // after transposition
+    String section;     // "Verse 1", "Chorus" ...
+    String key;         // after transposition
     int capo = 0;       // 0 to 11
     int transpose = 0;  // -11 to 11
     int tempo = 0;      // beats per minute, 0 when unknown

@@ -165,7 +165,8 @@ bool DisplayStatus::fromJson(std::string_view text) {
     readMember(object, "seq", status.seq);
     for (int i = 0; i < DisplayScreenCount; ++i) {
         const auto found = screensObject->find(ScreenNames[i]);
-        if (found != screensObject->end()) screenFromJsonObject(*found, status.screens[std::size_t(i)]);
+        if (found != screensObject->end())
+            screenFromJsonObject(*found, status.screens[std::size_t(i)]);
     }
     *this = std::move(status);
     return true;

@@ -63,7 +63,7 @@ struct DisplayScreenState {
     DisplayBlank blank = DisplayBlank::None;
     bool hasStage = false;
     DisplayStage stage;
-    int viewers = 0;           // pages showing the screen now
+    int viewers = 0;            // pages showing the screen now
     std::int64_t shownSeq = 0;  // last seq a page reported on screen
 
     DisplayLayerState& layer(DisplayLayer which) {
@@ -87,7 +87,9 @@ public:
     std::array<DisplayScreenState, DisplayScreenCount> screens;
 
     DisplayScreenState& screen(DisplayScreen which) { return screens[std::size_t(which)]; }
-    const DisplayScreenState& screen(DisplayScreen which) const { return screens[std::size_t(which)]; }
+    const DisplayScreenState& screen(DisplayScreen which) const {
+        return screens[std::size_t(which)];
+    }
 
     // The `status` reply's result: {"seq":..., "screens":{...}}.
     String toJson() const;

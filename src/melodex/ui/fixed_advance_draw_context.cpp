@@ -5,8 +5,7 @@
 
 namespace melodex {
 
-FixedAdvanceDrawContext::FixedAdvanceDrawContext(bool printing, SizeF pageSize,
-                                                 double advancePerEm)
+FixedAdvanceDrawContext::FixedAdvanceDrawContext(bool printing, SizeF pageSize, double advancePerEm)
     : m_printing(printing), m_pageSize(pageSize), m_advancePerEm(advancePerEm) {}
 
 bool FixedAdvanceDrawContext::newPage() {

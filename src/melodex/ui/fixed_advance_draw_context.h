@@ -30,14 +30,14 @@ public:
     struct Operation {
         enum class Kind { Fill, Text, WrappedText };
         Kind kind = Kind::Fill;
-        int page = 0;          // 0 for the first page
-        RectF rect;            // the fill; the text's line box; the wrapping rectangle
-        String text;           // Text and WrappedText: as given
-        StringArray lines;     // WrappedText: the lines, as wrapped (before clipping)
-        Color color = 0;       // Fill: its colour; text: the text colour
-        GFont font;            // text: the font in force
+        int page = 0;       // 0 for the first page
+        RectF rect;         // the fill; the text's line box; the wrapping rectangle
+        String text;        // Text and WrappedText: as given
+        StringArray lines;  // WrappedText: the lines, as wrapped (before clipping)
+        Color color = 0;    // Fill: its colour; text: the text colour
+        GFont font;         // text: the font in force
         BackgroundMode background = BackgroundMode::Opaque;  // text
-        std::optional<RectF> clip;  // the clip in force
+        std::optional<RectF> clip;                           // the clip in force
     };
 
     explicit FixedAdvanceDrawContext(bool printing = false, SizeF pageSize = {595, 842},

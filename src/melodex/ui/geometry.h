@@ -64,7 +64,8 @@ struct RectF {
     RectF() = default;
     RectF(double l, double t, double r, double b) : left(l), top(t), right(r), bottom(b) {}
     // NOLINTNEXTLINE(google-explicit-constructor): every Rect is exactly a RectF
-    RectF(const Rect& rect) : left(rect.left), top(rect.top), right(rect.right), bottom(rect.bottom) {}
+    RectF(const Rect& rect)
+        : left(rect.left), top(rect.top), right(rect.right), bottom(rect.bottom) {}
 
     double width() const { return right - left; }
     double height() const { return bottom - top; }

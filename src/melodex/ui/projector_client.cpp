@@ -16,8 +16,8 @@
 
 namespace melodex {
 
-using nlohmann::json;
 using asio::ip::tcp;
+using nlohmann::json;
 
 namespace {
 
@@ -56,7 +56,7 @@ struct ProjectorClient::Impl {
     std::deque<std::string> writeQueue;
 
     std::thread thread;
-    std::mutex lifecycle;  // serialises connect, disconnect and stop
+    std::mutex lifecycle;            // serialises connect, disconnect and stop
     std::atomic<bool> open{false};   // the socket is up (hello may still be due)
     std::atomic<bool> ready{false};  // hello accepted
 
@@ -87,17 +87,18 @@ struct ProjectorClient::Impl {
     // --- I/O thread -------------------------------------------------------
 
     void startReading() {
-        asio::async_read_until(socket, readBuffer, '\n', [this](std::error_code error, std::size_t size) {
-            if (error) {
-                connectionLost();
-                return;
-            }
-            std::string line(asio::buffers_begin(readBuffer.data()),
-                             asio::buffers_begin(readBuffer.data()) + std::ptrdiff_t(size));
-            readBuffer.consume(size);
-            handleLine(line);
-            startReading();
-        });
+        asio::async_read_until(
+            socket, readBuffer, '\n', [this](std::error_code error, std::size_t size) {
+                if (error) {
+                    connectionLost();
+                    return;
+                }
+                std::string line(asio::buffers_begin(readBuffer.data()),
+                                 asio::buffers_begin(readBuffer.data()) + std::ptrdiff_t(size));
+                readBuffer.consume(size);
+                handleLine(line);
+                startReading();
+            });
     }
 
     void write(std::string line) {
@@ -106,14 +107,15 @@ struct ProjectorClient::Impl {
     }
 
     void writeNext() {
-        asio::async_write(socket, asio::buffer(writeQueue.front()), [this](std::error_code error, std::size_t) {
-            if (error) {
-                connectionLost();
-                return;
-            }
-            writeQueue.pop_front();
-            if (!writeQueue.empty()) writeNext();
-        });
+        asio::async_write(socket, asio::buffer(writeQueue.front()),
+                          [this](std::error_code error, std::size_t) {
+                              if (error) {
+                                  connectionLost();
+                                  return;
+                              }
+                              writeQueue.pop_front();
+                              if (!writeQueue.empty()) writeNext();
+                          });
     }
 
     void handleLine(const std::string& line) {
@@ -137,10 +139,12 @@ struct ProjectorClient::Impl {
         const auto ok = message.find("ok");
         reply.ok = ok != message.end() && ok->is_boolean() && ok->get<bool>();
         if (reply.ok) {
-            if (const auto result = message.find("result"); result != message.end()) reply.result = *result;
+            if (const auto result = message.find("result"); result != message.end())
+                reply.result = *result;
         } else {
             reply.error = {"bad_reply", "the server's reply carries no error"};
-            if (const auto error = message.find("error"); error != message.end() && error->is_object()) {
+            if (const auto error = message.find("error");
+                error != message.end() && error->is_object()) {
                 reply.error.code = error->value("code", String("bad_reply"));
                 reply.error.message = error->value("message", String());
             }
@@ -354,7 +358,8 @@ bool ProjectorClient::connect(const String& host, int port) {
     asio::post(impl.io, [&impl, resolver, finish, host, port] {
         resolver->async_resolve(
             host, std::to_string(port),
-            [&impl, resolver, finish](std::error_code error, const tcp::resolver::results_type& results) {
+            [&impl, resolver, finish](std::error_code error,
+                                      const tcp::resolver::results_type& results) {
                 if (error) {
                     finish(error);
                     return;
@@ -424,7 +429,8 @@ void ProjectorClient::stop(bool wait) {
 }
 
 bool ProjectorClient::updateDisplayStatus() {
-    return m_impl->request({{"op", "status"}}, nullptr, [this](Reply& reply) { m_impl->applyStatus(reply); });
+    return m_impl->request({{"op", "status"}}, nullptr,
+                           [this](Reply& reply) { m_impl->applyStatus(reply); });
 }
 
 DisplayStatus ProjectorClient::displayStatus() const {
@@ -432,16 +438,18 @@ DisplayStatus ProjectorClient::displayStatus() const {
     return m_impl->status;
 }
 
-bool ProjectorClient::setForegroundImage(const String& path, int mode, const DisplayTransition* transition) {
+bool ProjectorClient::setForegroundImage(const String& path, int mode,
+                                         const DisplayTransition* transition) {
     return setImage(DisplayScreen::Main, DisplayLayer::Foreground, path, mode, transition);
 }
 
-bool ProjectorClient::setBackgroundImage(const String& path, int mode, const DisplayTransition* transition) {
+bool ProjectorClient::setBackgroundImage(const String& path, int mode,
+                                         const DisplayTransition* transition) {
     return setImage(DisplayScreen::Main, DisplayLayer::Background, path, mode, transition);
 }
 
-bool ProjectorClient::setImage(DisplayScreen screen, DisplayLayer layer, const String& path, int mode,
-                               const DisplayTransition* transition) {
+bool ProjectorClient::setImage(DisplayScreen screen, DisplayLayer layer, const String& path,
+                               int mode, const DisplayTransition* transition) {
     return m_impl->change({{"op", "set_image"},
                            {"screen", screenName(screen)},
                            {"layer", layerName(layer)},
@@ -451,12 +459,14 @@ bool ProjectorClient::setImage(DisplayScreen screen, DisplayLayer layer, const S
 }
 
 bool ProjectorClient::clear(DisplayScreen screen, bool all, DisplayLayer layer) {
-    return m_impl->change(
-        {{"op", "clear"}, {"screen", screenName(screen)}, {"layer", all ? String("all") : layerName(layer)}});
+    return m_impl->change({{"op", "clear"},
+                           {"screen", screenName(screen)},
+                           {"layer", all ? String("all") : layerName(layer)}});
 }
 
 bool ProjectorClient::blank(DisplayScreen screen, DisplayBlank mode) {
-    return m_impl->change({{"op", "blank"}, {"screen", screenName(screen)}, {"mode", blankName(mode)}});
+    return m_impl->change(
+        {{"op", "blank"}, {"screen", screenName(screen)}, {"mode", blankName(mode)}});
 }
 
 bool ProjectorClient::blankAll(DisplayBlank mode) {
@@ -500,7 +510,8 @@ bool ProjectorClient::subscribe() {
     json result;
     if (!m_impl->request({{"op", "subscribe"}}, &result, [this](Reply& reply) {
             std::lock_guard guard(m_impl->mutex);
-            if (reply.result.is_object() && reply.result.contains("seq") && reply.result["seq"].is_number_integer())
+            if (reply.result.is_object() && reply.result.contains("seq") &&
+                reply.result["seq"].is_number_integer())
                 m_impl->lastEventSeq = reply.result["seq"].get<std::int64_t>();
         }))
         return false;
@@ -518,7 +529,8 @@ bool ProjectorClient::waitUntilShown(DisplayScreen screen, std::int64_t seq, int
         return m_impl->status.screen(screen).shownSeq >= seq || !m_impl->open;
     });
     if (shown && m_impl->status.screen(screen).shownSeq >= seq) return true;
-    m_impl->lastError = {"timeout", "no page of the " + screenName(screen) + " screen showed it in time"};
+    m_impl->lastError = {"timeout",
+                         "no page of the " + screenName(screen) + " screen showed it in time"};
     return false;
 }
 

@@ -48,8 +48,9 @@ bool isBlank(std::string_view text) {
 // The style kind a section type is drawn in (as getFontForSectionType
 // chooses it).
 int styleKindOf(int sectionType) {
-    return sectionType >= SectionType::Chorus && sectionType <= SectionType::Misc ? sectionType
-                                                                                   : StyleKind::Verse;
+    return sectionType >= SectionType::Chorus && sectionType <= SectionType::Misc
+               ? sectionType
+               : StyleKind::Verse;
 }
 
 struct ChordMark {
@@ -68,11 +69,11 @@ struct Row {
     Color color = 0;
     GFont chordFont;
     Color chordColor = 0;
-    double indent = 0;      // points
-    bool wrap = true;       // lines too wide wrap at blanks; else they are cut off
-    bool showText = true;   // false: the words only place the chords
-    bool continued = false; // the rest of a wrapped row, indented once
-    double space = 0;       // Space and Rule: the height
+    double indent = 0;       // points
+    bool wrap = true;        // lines too wide wrap at blanks; else they are cut off
+    bool showText = true;    // false: the words only place the chords
+    bool continued = false;  // the rest of a wrapped row, indented once
+    double space = 0;        // Space and Rule: the height
 };
 
 // Rows kept together in a column where they fit one.
@@ -80,7 +81,7 @@ struct Block {
     std::vector<Row> rows;
     double spaceAfter = 0;
     bool pageBreakBefore = false;
-    bool isGap = false;     // nothing but space: dropped at the top of a column
+    bool isGap = false;  // nothing but space: dropped at the top of a column
     int entry = -1;
 };
 
@@ -88,7 +89,7 @@ struct Block {
 // and the line's top.
 struct Line {
     double height = 0;
-    double width = 0;       // from the column's left edge to its rightmost ink
+    double width = 0;  // from the column's left edge to its rightmost ink
     bool rule = false;
     Color ruleColor = 0;
     std::vector<Item> items;
@@ -97,16 +98,16 @@ struct Line {
 // Where a row's words and chords go on one line, before indenting.
 struct Placement {
     struct Segment {
-        std::size_t from = 0;   // code point
-        double natural = 0;     // where it starts in the line as shaped
-        double x = 0;           // where it is drawn
+        std::size_t from = 0;  // code point
+        double natural = 0;    // where it starts in the line as shaped
+        double x = 0;          // where it is drawn
     };
     std::vector<Segment> segments;
     std::vector<double> chordX;
     std::vector<double> chordWidth;
-    double textWidth = 0;   // the words as drawn, widened
-    double lineWidth = 0;   // the words as shaped
-    double right = 0;       // the rightmost edge of words and chords
+    double textWidth = 0;  // the words as drawn, widened
+    double lineWidth = 0;  // the words as shaped
+    double right = 0;      // the rightmost edge of words and chords
 };
 
 class RowFitter {
@@ -127,7 +128,8 @@ public:
         while (true) {
             std::optional<Placement> placed;
             if (current.wrap && isTooWide(current, width, placed)) {
-                if (const std::optional<std::size_t> at = breakAt(current, width - current.indent)) {
+                if (const std::optional<std::size_t> at =
+                        breakAt(current, width - current.indent)) {
                     auto [first, rest] = split(current, *at);
                     out.push_back(lineOf(first, place(first)));
                     current = std::move(rest);
@@ -453,8 +455,9 @@ private:
         if (!facts.empty())
             rows.push_back(textRow(Role::Info, StyleKind::SongInfo, join(facts, "    ")));
         if (profile.showSequence() && !sequence.empty()) {
-            rows.push_back(textRow(Role::Info, StyleKind::SongInfo,
-                                   "Order: " + join(split(sequence, ", \t", EmptyPieces::Skip), " ")));
+            rows.push_back(
+                textRow(Role::Info, StyleKind::SongInfo,
+                        "Order: " + join(split(sequence, ", \t", EmptyPieces::Skip), " ")));
         }
         return rows;
     }
@@ -501,7 +504,10 @@ public:
     };
 
     Flow(RowFitter& fitter, Area area, bool variable, int columns, double gap)
-        : m_fitter(fitter), m_area(area), m_variable(variable), m_columns(std::max(columns, 1)),
+        : m_fitter(fitter),
+          m_area(area),
+          m_variable(variable),
+          m_columns(std::max(columns, 1)),
           m_gap(gap) {
         m_columnWidth = (area.right - area.left - double(m_columns - 1) * gap) / double(m_columns);
         m_x = area.left;
@@ -532,9 +538,7 @@ public:
 private:
     bool atColumnTop() const { return m_y <= m_area.top; }
 
-    double available() const {
-        return m_variable ? m_area.right - m_x : m_columnWidth;
-    }
+    double available() const { return m_variable ? m_area.right - m_x : m_columnWidth; }
 
     std::vector<Line> fitted(const Block& block, double width) {
         std::vector<Line> lines;
@@ -591,7 +595,8 @@ private:
             rule.entry = entry;
             rule.color = line.ruleColor;
             const double middle = m_y + line.height / 2;
-            rule.rect = {m_x, middle - RuleThickness / 2, m_x + ruleWidth, middle + RuleThickness / 2};
+            rule.rect = {m_x, middle - RuleThickness / 2, m_x + ruleWidth,
+                         middle + RuleThickness / 2};
             items.push_back(std::move(rule));
             m_used = std::max(m_used, ruleWidth);
         }
@@ -643,8 +648,9 @@ int SongLayout::layOut(DrawContext& dc) {
     DrawStateSaver saved(dc);
     m_scale = 1.0;
     int pages = layOutAt(dc, 1.0);
-    const auto songs = std::count_if(m_entries.begin(), m_entries.end(),
-                                     [](const Entry& entry) { return entry.kind == Entry::Kind::Song; });
+    const auto songs = std::count_if(m_entries.begin(), m_entries.end(), [](const Entry& entry) {
+        return entry.kind == Entry::Kind::Song;
+    });
     if (m_profile->shrinkToFit() && songs == 1 && pages > 1) {
         // The largest scale that fits one page: each step halves the range.
         double fits = SmallestScale;
@@ -770,7 +776,8 @@ void SongLayout::numberPages() {
     const int total = m_totalPages > 0 ? m_totalPages : m_pageCount;
     for (Item& item : m_items) {
         if (item.role == Role::PageNumber)
-            item.text = std::to_string(m_firstPageNumber + item.page) + " / " + std::to_string(total);
+            item.text =
+                std::to_string(m_firstPageNumber + item.page) + " / " + std::to_string(total);
     }
 }
 
@@ -779,7 +786,8 @@ void SongLayout::drawPage(DrawContext& dc, int page) const {
     dc.setBackgroundMode(BackgroundMode::Transparent);
     const Color background = m_profile->pageBackgroundColor();
     // Paper and a new image are white already.
-    if (background != 0xFFFFFF) dc.fillRect({0, 0, m_pageSize.width, m_pageSize.height}, background);
+    if (background != 0xFFFFFF)
+        dc.fillRect({0, 0, m_pageSize.width, m_pageSize.height}, background);
     for (const Item& item : m_items) {
         if (item.page != page) continue;
         if (item.role == Role::Separator) {

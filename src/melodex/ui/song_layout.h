@@ -58,8 +58,8 @@ class Song;
 class SongDisplayProfile;
 
 struct PageSetup {
-    double margin = 36.0;        // points on every side
-    double columnGap = 18.0;     // between columns, unless the profile sets its own
+    double margin = 36.0;     // points on every side
+    double columnGap = 18.0;  // between columns, unless the profile sets its own
 };
 
 class SongLayout {
@@ -70,10 +70,10 @@ public:
     // One thing placed on a page.
     struct Item {
         Role role = Role::Lyric;
-        int page = 0;               // 0 for the first page
-        RectF rect;                 // text: its line box; separator: the rule itself
-        String text;                // empty for a separator
-        GFont font;                 // the colour drawn is `color`
+        int page = 0;  // 0 for the first page
+        RectF rect;    // text: its line box; separator: the rule itself
+        String text;   // empty for a separator
+        GFont font;    // the colour drawn is `color`
         Color color = 0;
         std::optional<RectF> clip;  // the column a line too wide for it is cut off at
         int entry = -1;             // the song's number in order of adding; -1 for none

@@ -52,10 +52,9 @@ void addSongRow(Table& table, int number, const SongSetEntry& entry, SongDisplay
     if (!strip(song.info().key()).empty())
         row->cell(2)->text(cell(song.info().keyName(entry.transpose())));
     if (profile.showChords() || profile.showBass()) {
-        const int fret =
-            ChordDisplay(profile, song.info(), options.transpose, options.capoFret,
-                         options.localTranspose)
-                .capoFret();
+        const int fret = ChordDisplay(profile, song.info(), options.transpose, options.capoFret,
+                                      options.localTranspose)
+                             .capoFret();
         if (fret != 0) row->cell(3)->text(cell(std::to_string(fret)));
     }
     StringArray notes;

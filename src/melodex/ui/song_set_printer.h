@@ -30,7 +30,7 @@ class SongDisplayProfile;
 class SongSet;
 
 struct SongSetPrintOptions {
-    String title;          // the running order's heading; empty: "Running order"
+    String title;  // the running order's heading; empty: "Running order"
     PageSetup page;
 };
 

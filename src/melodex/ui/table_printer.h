@@ -23,11 +23,11 @@
 namespace melodex {
 
 struct TablePrintOptions {
-    String title;                                   // empty: no title line
+    String title;  // empty: no title line
     GFont titleFont{"Arial", 14.0, true, false, 0};
     GFont footerFont{"Arial", 8.0, false, false, 0};
-    double margin = 36.0;                           // points, on every side
-    bool pageNumbers = true;                        // "2 / 5" centred at the foot
+    double margin = 36.0;     // points, on every side
+    bool pageNumbers = true;  // "2 / 5" centred at the foot
 };
 
 // Returns the number of pages drawn: all of them on a printing context; on a
