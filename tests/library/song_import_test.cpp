@@ -83,6 +83,13 @@ TEST_F(SongImportTest, TakesAFolderAsPeopleHaveIt) {
     EXPECT_EQ(again.already.size(), 5u);
     EXPECT_FALSE(again.hasFailures());
     EXPECT_EQ(m_folder.read(indexFile()), index);
+
+    // A folder that holds the library too: the library's own files (its
+    // songs, index and lock) are not walked as if they were brought in.
+    const SongImport::Report whole = SongImport(m_db).run({m_folder.path()});
+    EXPECT_EQ(whole.found, 8);
+    EXPECT_EQ(whole.skipped.size(), 3u);
+    EXPECT_TRUE(whole.imported.empty());
     m_db.close();
 }
 

@@ -667,7 +667,8 @@ bool SongDatabase::importFolder(const String& folder, const ImportProgress& prog
     Changes changes(*this);
     if (!changes) return false;
     StringArray files;
-    std::set<String> visited;
+    // Not the library's own folder, whose songs are in it already.
+    std::set<String> visited{canonicalPath(databaseFolder())};
     listImportableFiles(folder, files, visited);
     bool imported = false;
     for (const String& path : files) {

@@ -85,9 +85,11 @@ String SongImport::Skipped::describe() const {
 
 SongImport::SongImport(SongDatabase& database) : m_database(database) {}
 
-StringArray SongImport::findFiles(const StringArray& paths, std::vector<Skipped>& failed) {
+StringArray SongImport::findFiles(const StringArray& paths, std::vector<Skipped>& failed) const {
     StringArray files;
-    std::set<String> visited;
+    // The library's own folder is never walked: its songs are in it already,
+    // and its index and lock are no songs.
+    std::set<String> visited{canonicalPath(m_database.databaseFolder())};
     FolderWalk walk;
     walk.skipHidden = true;
     walk.file = [&files](const String& path, const String&) { files.push_back(path); };

@@ -100,7 +100,7 @@ public:
 
     // The song files a run over `paths` would look at, in the order it
     // would take them; unreadable folders and missing paths go to `failed`.
-    static StringArray findFiles(const StringArray& paths, std::vector<Skipped>& failed);
+    StringArray findFiles(const StringArray& paths, std::vector<Skipped>& failed) const;
 
     // Reads `path` as an import would: 0 and the song in `song` for a song
     // file, StatusFailed for a file that is not one, the errno value for one
