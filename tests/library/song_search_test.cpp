@@ -1,5 +1,7 @@
 #include "melodex/library/song_search.h"
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include "library_fixture.h"
@@ -103,6 +105,35 @@ TEST_F(SongSearchTest, ListsEachSongOnceBestMatchesFirst) {
     EXPECT_EQ(find(search, "ever"), (StringArray{"Grace Alone [first line] Every promise"}));
     EXPECT_EQ(SongSearch::searchKey("  Pow’r of JESUS’ Name!  "), "powr of jesus name");
     EXPECT_EQ(search.songCount(), 7);
+}
+
+TEST_F(SongSearchTest, NamesTheSongAUserMeans) {
+    writeSong("db/Song Files/Grace.song", "Amazing Grace", {"Amazing grace"}, "ab12cd34-0001");
+    writeSong("db/Song Files/Grace 2.song", "Amazing Grace (2)", {"Amazing grace"},
+              "ab12cd34-0002");
+    writeSong("db/Song Files/Noc.song", "Wśród nocnej ciszy", {"Wśród nocnej ciszy"}, "ef56-0003");
+    writeSong("db/Song Files/Hymn.song", "ab12", {"A hymn called ab12"}, "ff00-0004");
+    m_db.open();
+    const auto titles = [this](std::string_view word, bool uuidOnly = false) {
+        StringArray out;
+        for (const SongDBFileEntry* file :
+             uuidOnly ? songsWithUuid(m_db, word) : songsNamed(m_db, word))
+            out.push_back(file->listedTitle());
+        std::sort(out.begin(), out.end());
+        return out;
+    };
+    EXPECT_EQ(titles("AMAZING GRACE"), StringArray{"Amazing Grace"});
+    EXPECT_EQ(titles("ab12cd34-0002"), StringArray{"Amazing Grace (2)"});
+    EXPECT_EQ(titles("AB12CD34"), (StringArray{"Amazing Grace", "Amazing Grace (2)"}));
+    // A title wins over the start of a uuid; a uuid needs four characters.
+    EXPECT_EQ(titles("ab12"), StringArray{"ab12"});
+    EXPECT_EQ(titles("ab12", true), (StringArray{"Amazing Grace", "Amazing Grace (2)"}));
+    EXPECT_EQ(titles("ef5"), StringArray{});
+    // Typed without its accents, or with other punctuation.
+    EXPECT_EQ(titles("Wsrod nocnej ciszy"), StringArray{"Wśród nocnej ciszy"});
+    EXPECT_EQ(titles("amazing grace 2"), StringArray{"Amazing Grace (2)"});
+    EXPECT_EQ(titles("Wsrod nocnej ciszy", true), StringArray{});
+    EXPECT_EQ(titles("!!"), StringArray{});
 }
 
 }  // namespace

@@ -208,34 +208,19 @@ void searchSongs(const SearchOptions& options) {
     }
 }
 
-// The entry whose uuid starts with `id` (ignoring case), when exactly one
-// does; the listing shows uuids that far.
-SongDBFileEntry* findByUuidStart(const String& id) {
-    if (SongDBFileEntry* file = theSongDB.findEntryByUUID(id)) return file;
-    if (codePointLength(id) < 4) return nullptr;
-    SongDBFileEntry* found = nullptr;
-    for (SongDBFileEntry* file : theSongDB.files()) {
-        if (!startsWithIgnoreCase(file->uuid(), id)) continue;
-        if (found) fail("several songs have a uuid that starts with " + id + "; give more of it");
-        found = file;
+// The one song that `word` names (songsNamed for a title or a uuid,
+// songsWithUuid where only a uuid will do); fails when none or several are.
+SongDBFileEntry* theSongNamed(const std::string& word, bool uuidOnly) {
+    const std::vector<SongDBFileEntry*> found =
+        uuidOnly ? songsWithUuid(theSongDB, word) : songsNamed(theSongDB, word);
+    if (found.size() == 1) return found.front();
+    if (found.empty()) {
+        fail(uuidOnly ? "no song in the library has the uuid " + word
+                      : "no song in the library has the uuid or title \"" + word + "\"");
     }
-    return found;
-}
-
-// The entry with that uuid (or the start of it, as listed), else the one
-// listed under that title (ignoring case); fails when there is none or the
-// title is not unique.
-SongDBFileEntry* findSong(const std::string& idOrTitle) {
-    std::vector<SongDBFileEntry*> matches;
-    for (SongDBFileEntry* file : theSongDB.files()) {
-        if (equalsIgnoreCase(file->listedTitle(), idOrTitle)) matches.push_back(file);
-    }
-    if (matches.size() == 1) return matches.front();
-    if (SongDBFileEntry* file = findByUuidStart(idOrTitle)) return file;
-    if (matches.empty()) fail("no song in the library has the uuid or title \"" + idOrTitle + "\"");
-    std::string message = "several songs are titled \"" + idOrTitle + "\"; give the uuid:";
-    for (SongDBFileEntry* file : matches)
-        message += "\n  " + file->uuid() + "  " + file->filename();
+    std::string message = "several songs answer to \"" + word + "\"; give more of the uuid:";
+    for (SongDBFileEntry* file : found)
+        message += "\n  " + file->uuid() + "  " + file->listedTitle();
     fail(message);
 }
 
@@ -247,15 +232,14 @@ struct ShowOptions {
 
 void showSong(const ShowOptions& options) {
     OpenLibrary library(LibraryAccess::Read);
-    SongDBFileEntry* file = findSong(options.song);
+    SongDBFileEntry* file = theSongNamed(options.song, false);
     const Song& song = *file->song();
     fmt::print("{}", chordSheet(song, chordSheetOptions(song, options.chords, options.transpose)));
 }
 
 void removeSong(const std::string& uuid) {
     OpenLibrary library(LibraryAccess::Write);
-    SongDBFileEntry* file = findByUuidStart(uuid);
-    if (!file) fail("no song in the library has the uuid " + uuid);
+    SongDBFileEntry* file = theSongNamed(uuid, true);
     const String title = file->listedTitle();
     const String path = file->path();
     theSongDB.removeEntry(file, true);
@@ -349,7 +333,8 @@ void addLibraryCommands(CLI::App& app) {
         library->add_subcommand("show", "Print a library song with its chords above the lyrics");
     showCommand
         ->add_option("ID-OR-TITLE", show->song,
-                     "the song's title, or its uuid or the start of it as listed")
+                     "the song's title (case, accents and punctuation aside), or its uuid or the "
+                     "start of it as listed")
         ->required();
     showCommand->add_option("-t,--transpose", show->transpose, "semitones to move chords and key")
         ->check(CLI::Range(-12, 12));

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <string_view>
 
 #include "melodex/foundation/file_system.h"
@@ -260,6 +261,41 @@ const char* SongSearch::fieldName(Field field) {
             return "lyrics";
     }
     return "title";
+}
+
+namespace {
+
+std::vector<SongDBFileEntry*> songsWhere(const SongDatabase& database,
+                                         const std::function<bool(const SongDBFileEntry&)>& test) {
+    std::vector<SongDBFileEntry*> found;
+    for (SongDBFileEntry* file : database.files()) {
+        if (test(*file)) found.push_back(file);
+    }
+    return found;
+}
+
+}  // namespace
+
+std::vector<SongDBFileEntry*> songsWithUuid(const SongDatabase& database, std::string_view uuid) {
+    if (SongDBFileEntry* file = database.findEntryByUUID(String(uuid))) return {file};
+    if (codePointLength(uuid) < 4) return {};
+    return songsWhere(database, [uuid](const SongDBFileEntry& file) {
+        return startsWithIgnoreCase(file.uuid(), uuid);
+    });
+}
+
+std::vector<SongDBFileEntry*> songsNamed(const SongDatabase& database, std::string_view word) {
+    std::vector<SongDBFileEntry*> found = songsWhere(database, [word](const SongDBFileEntry& file) {
+        return equalsIgnoreCase(file.listedTitle(), word);
+    });
+    if (found.empty()) found = songsWithUuid(database, word);
+    const String key = SongSearch::searchKey(word);
+    if (found.empty() && !key.empty()) {
+        found = songsWhere(database, [&key](const SongDBFileEntry& file) {
+            return SongSearch::searchKey(file.listedTitle()) == key;
+        });
+    }
+    return found;
 }
 
 }  // namespace melodex

@@ -129,4 +129,16 @@ private:
     bool m_lyricsLoaded = false;
 };
 
+// The songs that a uuid a user gives names: the one whose uuid it is, else
+// those whose uuid starts with it, when it has four characters or more
+// (listings show uuids shortened). Several when the start is shared.
+std::vector<SongDBFileEntry*> songsWithUuid(const SongDatabase& database, std::string_view uuid);
+
+// The songs that a word a user gives for "a song" names, by the first rule
+// that any song meets: its listed title, ignoring case; its uuid or the
+// start of it (songsWithUuid); its title's search key ("Wsrod nocnej
+// ciszy" names "Wśród nocnej ciszy"). Empty when no song is named; several
+// when the word is shared.
+std::vector<SongDBFileEntry*> songsNamed(const SongDatabase& database, std::string_view word);
+
 }  // namespace melodex
