@@ -366,7 +366,16 @@ void Reader::readChordRow(std::u32string_view row) {
     // Bar lines, rhythm slashes and remarks share the row with the chords;
     // only what reads as a chord is kept.
     forEachChordToken(row, [this](std::size_t column, const String& token) {
-        if (std::optional<SongChord> chord = readChord(token, m_central))
+        // "(G)", or "(G Am)" over two tokens, marks chords a player may leave
+        // out. The model has no such mark; the chords themselves are kept,
+        // each over the letter its name stood over.
+        std::string_view symbol = token;
+        if (symbol.size() > 1 && symbol.front() == '(') {
+            symbol.remove_prefix(1);
+            ++column;
+        }
+        if (symbol.size() > 1 && symbol.back() == ')') symbol.remove_suffix(1);
+        if (std::optional<SongChord> chord = readChord(symbol, m_central))
             m_chords.push_back({int(column), std::move(*chord)});
     });
 }
