@@ -122,9 +122,14 @@ String sheetOf(const SongSetEntry& entry, const ShowOptions& options) {
         song, chordSheetOptions(chosenProfile(options.profile), song, entry.chordDisplayOptions()));
 }
 
+// How messages name a set file.
+String setName(const std::string& file) {
+    return isStandardStream(file) ? String("standard input") : fileNameOf(file);
+}
+
 void printListing(const SongSet& set, const std::vector<Item>& items, const ShowOptions& options) {
     const std::size_t missing = set.unresolvedEntries().size();
-    fmt::print("{}: {} item{}{}\n", fileNameOf(options.file), items.size(),
+    fmt::print("{}: {} item{}{}\n", setName(options.file), items.size(),
                items.size() == 1 ? "" : "s",
                missing == 0 ? String() : ", " + std::to_string(missing) + " missing");
     for (std::size_t i = 0; i < items.size(); ++i) {
@@ -196,8 +201,11 @@ Json jsonOf(const SongSet& set, const std::vector<Item>& items, const ShowOption
 
 // The set in the file, its library songs from the open library.
 void loadSet(SongSet& set, const std::string& file) {
-    if (const Status status = set.loadFromFile(file); status != StatusSuccess) {
-        fail("cannot read the song set " + file + ": " +
+    const Status status =
+        isStandardStream(file) ? set.loadFromText(readInput(file), file) : set.loadFromFile(file);
+    if (status != StatusSuccess) {
+        fail("cannot read the song set " +
+             (isStandardStream(file) ? String("on standard input") : String(file)) + ": " +
              (status == StatusFailed ? String("no <songset> element") : statusMessage(status)));
     }
 }
@@ -212,7 +220,7 @@ void failOnMissing(const SongSet& set, const std::string& file) {
     const std::vector<Item> items = itemsOf(set);
     for (std::size_t i = 0; i < items.size(); ++i) {
         if (items[i].missing)
-            warn(fileNameOf(file) + ", item " + std::to_string(i + 1) + ": " +
+            warn(setName(file) + ", item " + std::to_string(i + 1) + ": " +
                  describe(*items[i].missing, set));
     }
     throw CLI::RuntimeError(ExitFailed);
@@ -247,8 +255,11 @@ void renderSet(const RenderOptions& options) {
     loadSet(set, options.file);
     SongDisplayProfile& profile = chosenProfile(options.profile, options.output.targets());
     SongSetPrintOptions print;
-    print.title = options.title.empty() ? baseNameOf(fileNameOf(options.file)) : options.title;
-    renderPages(options.output, print.title, "the set " + fileNameOf(options.file),
+    print.title = options.title.empty()
+                      ? (isStandardStream(options.file) ? String("Song set")
+                                                        : baseNameOf(fileNameOf(options.file)))
+                      : options.title;
+    renderPages(options.output, print.title, "the set " + setName(options.file),
                 [&](DrawContext& dc) { return printSongSet(dc, set, profile, print); });
     failOnMissing(set, options.file);
 }

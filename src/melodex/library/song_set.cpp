@@ -93,7 +93,17 @@ Status SongSet::saveToFile(const String& path, bool useFilenames) {
 Status SongSet::loadFromFile(const String& path) {
     clear();
     XmlFile file;
-    if (const Status status = file.load(path); status != StatusSuccess) return status;
+    return readDocument(file, file.load(path), path);
+}
+
+Status SongSet::loadFromText(std::string_view text, const String& path) {
+    clear();
+    XmlFile file;
+    return readDocument(file, file.loadFromString(text), path.empty() ? String("-") : path);
+}
+
+Status SongSet::readDocument(const XmlFile& file, Status loadStatus, const String& path) {
+    if (loadStatus != StatusSuccess) return loadStatus;
     m_filename = path;
     // A document has one top-level element (XmlFile refuses anything else).
     const XmlNode root = file.root();

@@ -119,6 +119,11 @@ public:
     // The set is empty after a failure.
     [[nodiscard]] Status loadFromFile(const String& path);
 
+    // The same for a set already in memory (one read from standard input):
+    // `path` names where it would be, for the entries' relative paths and
+    // filename(); "-" (or empty) puts it in the current folder.
+    [[nodiscard]] Status loadFromText(std::string_view text, const String& path);
+
 protected:
     void processSongNode(const XmlNode& node);
     void processSongEntryNode(const XmlNode& node);
@@ -133,6 +138,8 @@ private:
     // Adds a song file entry, or records why it cannot be added.
     void addSongFile(const String& path, const XmlNode& node);
     void recordUnresolved(UnresolvedEntry::Source source, const String& name, const String& reason);
+    // Takes the entries of a loaded document (loadStatus 0) in.
+    Status readDocument(const XmlFile& file, Status loadStatus, const String& path);
 
     std::vector<std::unique_ptr<SongSetEntry>> m_entries;
     String m_filename;
