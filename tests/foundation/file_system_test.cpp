@@ -85,6 +85,13 @@ TEST(FileSystemTest, ManagesFilesFoldersAndLinks) {
     EXPECT_FALSE(listFolder(file) || listFolder(folder.file("missing")));
     EXPECT_TRUE(createFolders(deep) && createFolders(deep) && namesIn(deep).empty());
     EXPECT_FALSE(createFolders(file + "/sub") || createFolders(file));
+    // The reason a folder cannot be made is the system's, whichever step failed.
+    Status why = StatusSuccess;
+    EXPECT_FALSE(createFolders(file + "/sub/deeper", &why));
+    EXPECT_EQ(why, Status(ENOTDIR));
+    why = StatusSuccess;
+    EXPECT_FALSE(createFolders(file, &why));
+    EXPECT_EQ(why, Status(ENOTDIR));
     // Removing a link removes the link, not what it points at; folders are not removed.
     EXPECT_EQ(removeFile(folder.file("link.song")), StatusSuccess);
     EXPECT_TRUE(fileExists(file) && removeFile(file) == StatusSuccess && !fileExists(file));

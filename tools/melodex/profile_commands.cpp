@@ -165,8 +165,9 @@ void loadProfiles(ProfileAccess access) {
     const String folder =
         dataSubfolder("Display Profiles", [] { return theAppConfig.getUserProfileDir(); });
     const bool readOnly = access == ProfileAccess::Read;
-    if (!readOnly && !dataOption().empty() && !createFolders(folder))
-        fail("cannot create the display profiles folder " + folder);
+    Status why = StatusSuccess;
+    if (!readOnly && !dataOption().empty() && !createFolders(folder, &why))
+        fail(FileError{why, FileError::Action::CreateFolder, folder});
     SongDisplayProfile::setProfileListReadOnly(readOnly);
     SongDisplayProfile::setProfileFolder(readOnly && !folderExists(folder) ? String() : folder);
     SongDisplayProfile::loadProfileList();

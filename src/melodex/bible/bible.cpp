@@ -192,8 +192,8 @@ Status Bible::loadFromFolder(const String& folder) {
 
 Status Bible::saveToFolder(const String& folder, const Progress& progress) {
     m_lastError.clear();
-    if (!folderExists(folder) && !createFolders(folder)) {
-        m_lastError.record(FileError::Action::CreateFolder, folder, Status(errno ? errno : EIO));
+    if (Status why = StatusSuccess; !createFolders(folder, &why)) {
+        m_lastError.record(FileError::Action::CreateFolder, folder, why);
     }
 
     IniFile ini;

@@ -183,9 +183,8 @@ bool BibleDatabase::install(std::unique_ptr<Bible> bible, const ImportProgress& 
         m_lastError.record(FileError::Action::Write, m_folder, StatusNoFolder);
         return false;
     }
-    if (!folderExists(m_folder) && !createFolders(m_folder)) {
-        m_lastError.record(FileError::Action::CreateFolder, m_folder,
-                           Status(errno ? errno : EACCES));
+    if (Status why = StatusSuccess; !createFolders(m_folder, &why)) {
+        m_lastError.record(FileError::Action::CreateFolder, m_folder, why);
         return false;
     }
 

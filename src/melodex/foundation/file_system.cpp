@@ -231,11 +231,13 @@ bool folderExists(std::string_view path) {
     return !path.empty() && fs::is_directory(toPath(path), error);
 }
 
-bool createFolders(std::string_view path) {
-    if (path.empty()) return false;
+bool createFolders(std::string_view path, Status* status) {
     std::error_code error;
-    fs::create_directories(toPath(path), error);
-    return folderExists(path);
+    if (!path.empty()) fs::create_directories(toPath(path), error);
+    if (folderExists(path)) return true;
+    // A file standing where a folder should be leaves no error behind.
+    if (status) *status = error ? Status(error.value()) : Status(path.empty() ? ENOENT : ENOTDIR);
+    return false;
 }
 
 Status removeFile(std::string_view path) {

@@ -63,7 +63,8 @@ bool fileExists(std::string_view path);    // a regular file (links followed)
 bool folderExists(std::string_view path);  // a directory (links followed)
 
 // Creates the folder and every missing parent; true when it exists after.
-bool createFolders(std::string_view path);
+// When it does not, `status` (if given) gets the system's reason.
+bool createFolders(std::string_view path, Status* status = nullptr);
 
 // Removes a file; 0 or the errno value.
 Status removeFile(std::string_view path);

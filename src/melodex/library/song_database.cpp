@@ -81,9 +81,8 @@ bool SongDatabase::beginChanges() {
     }
     // A writable library makes its folders: the lock file, the index and the
     // songs all need them.
-    if (!createFolders(songFilesFolder())) {
-        m_error.record(FileError::Action::CreateFolder, songFilesFolder(),
-                       folderExists(databaseFolder()) ? Status(EACCES) : Status(ENOENT));
+    if (Status why = StatusSuccess; !createFolders(songFilesFolder(), &why)) {
+        m_error.record(FileError::Action::CreateFolder, songFilesFolder(), why);
         return false;
     }
     const Status locked = m_lock.acquire(lockPath(), m_lockTimeout, m_lockNotice);
