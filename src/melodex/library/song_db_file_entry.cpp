@@ -218,7 +218,12 @@ bool SongDBFileEntry::load(const ConfigKey* key,
 
 String SongDBFileEntry::listedTitle(const Song& song) {
     String title = strip(song.info().title(), Blanks);
-    return title.empty() ? firstLineOf(song) : title;
+    if (!title.empty()) return title;
+    // A plain-text song has no title: the name people gave its file is the
+    // best one it has, and the one they will look it up by.
+    if (song.loadedFileType() == SongFileType::Text && !song.filename().empty())
+        return baseNameOf(song.filename());
+    return firstLineOf(song);
 }
 
 String SongDBFileEntry::listedTitle() const {

@@ -118,8 +118,9 @@ public:
     // paths to follow).
     bool load(const ConfigKey* key);
 
-    // The name a song is listed and found under: its title, else its first
-    // line. The entry's form uses what the index holds and falls back to
+    // The name a song is listed and found under: its title, else for a
+    // plain-text song read from a file that file's name without extension,
+    // else its first line. The entry's form uses what the index holds and falls back to
     // the file name without extension.
     static String listedTitle(const Song& song);
     String listedTitle() const;

@@ -134,12 +134,9 @@ Status SongImport::readSongBytes(const String& path, std::string_view bytes, boo
     }
     song.filename(path);
     if (!loaded || !SongDBFileEntry::isSong(song)) return StatusFailed;
-    // A plain-text song has no title: the name people gave the file is the
-    // best one it has, and the one they will look it up by.
-    if (song.loadedFileType() == SongFileType::Text && !path.empty() &&
-        strip(song.info().title()).empty()) {
-        song.info().setTitle(baseNameOf(path));
-    }
+    // The library's copy keeps the title the song is listed under.
+    if (song.loadedFileType() == SongFileType::Text && !path.empty())
+        song.info().setTitle(SongDBFileEntry::listedTitle(song));
     return StatusSuccess;
 }
 
