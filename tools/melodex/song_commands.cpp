@@ -9,6 +9,7 @@
 #include "chord_options.h"
 #include "command_line.h"
 #include "melodex/foundation/file_system.h"
+#include "melodex/foundation/xml.h"
 #include "melodex/library/song_db_file_entry.h"
 #include "melodex/song/chord_sheet.h"
 #include "melodex/song/song.h"
@@ -41,12 +42,20 @@ struct ConvertOptions {
 
 // The song in a file, or on standard input for "-", whatever its format.
 Song readSong(const std::string& path) {
+    const std::string bytes = readInput(path);
+    const String name = isStandardStream(path) ? String("standard input") : String(path);
     Song song;
-    (void)song.loadFromText(readInput(path));
+    (void)song.loadFromText(bytes);
+    // A file that says it is XML but does not parse (cut short, damaged)
+    // would read as plain text: its markup shown as the words of a song.
+    if (song.loadedFileType() == SongFileType::Text &&
+        strip(bytes.substr(0, 64), "\xEF\xBB\xBF \t\r\n", StripSide::Start).starts_with("<?xml")) {
+        XmlFile xml;
+        fail(name + " is damaged XML: " + statusMessage(xml.loadFromString(bytes)));
+    }
     // Text that is no song (binary data, XML of another kind) would read as
     // lines of noise or as nothing.
-    if (!SongDBFileEntry::isSong(song))
-        fail((isStandardStream(path) ? String("standard input") : path) + " holds no song");
+    if (!SongDBFileEntry::isSong(song)) fail(name + " holds no song");
     return song;
 }
 
