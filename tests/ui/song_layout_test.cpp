@@ -80,6 +80,16 @@ const Item* lyricUnder(const SongLayout& layout, const Item& chord) {
     return nullptr;
 }
 
+// The song laid out with the profile; `pages` gets the page count.
+std::unique_ptr<SongLayout> laidOut(SongDisplayProfile& profile, const Song& song, DrawContext& dc,
+                                    const ChordDisplayOptions& options = {}, int* pages = nullptr) {
+    auto layout = std::make_unique<SongLayout>(profile);
+    layout->addSong(song, options);
+    const int count = layout->layOut(dc);
+    if (pages != nullptr) *pages = count;
+    return layout;
+}
+
 TEST(SongLayoutTest, ChordsStandOverTheirLettersSpelledInTheSongsKey) {
     const auto song = hymn();
     SongDisplayProfile profile = profileOf(Chords);
@@ -153,18 +163,11 @@ TEST(SongLayoutTest, FollowsTheRunningOrderGiven) {
 TEST(SongLayoutTest, TheProfileSaysWhatShows) {
     const auto song = hymn();
     FixedAdvanceDrawContext dc(true);
-    const auto laidOut = [&](SongDisplayProfile& profile, const ChordDisplayOptions& options) {
-        auto layout = std::make_unique<SongLayout>(profile);
-        layout->addSong(*song, options);
-        layout->layOut(dc);
-        return layout;
-    };
-
     SongDisplayProfile chords = profileOf(Chords);
     ChordDisplayOptions capo;
     capo.capoFret = 1;
     capo.transpose = 2;  // in Bb, played in A shapes
-    auto all = laidOut(chords, capo);
+    auto all = laidOut(chords, *song, dc, capo);
     EXPECT_EQ(textsOf(*all, Role::Title), StringArray{"Hymn"});
     EXPECT_TRUE(itemsOf(*all, Role::Title).front()->font.bold);
     EXPECT_EQ(textsOf(*all, Role::Info),
@@ -175,11 +178,11 @@ TEST(SongLayoutTest, TheProfileSaysWhatShows) {
 
     // Brackets: the sounding chord first.
     SongDisplayProfile brackets = profileOf(Chords | ProfileFlag::CapoChordsInBrackets);
-    EXPECT_EQ(textsOf(*laidOut(brackets, capo), Role::Chord).front(), "Bb(A)");
+    EXPECT_EQ(textsOf(*laidOut(brackets, *song, dc, capo), Role::Chord).front(), "Bb(A)");
 
     // Words: no chords and no section labels; the sections still in order.
     SongDisplayProfile words = profileOf(Words);
-    auto wordsOnly = laidOut(words, capo);
+    auto wordsOnly = laidOut(words, *song, dc, capo);
     EXPECT_TRUE(itemsOf(*wordsOnly, Role::Chord).empty());
     EXPECT_TRUE(itemsOf(*wordsOnly, Role::SectionLabel).empty());
     EXPECT_EQ(textsOf(*wordsOnly, Role::Lyric).front(), "Holy holy");
@@ -187,14 +190,15 @@ TEST(SongLayoutTest, TheProfileSaysWhatShows) {
 
     // Bass: the bass note alone, spelled in the key.
     SongDisplayProfile bass = profileOf(Bass);
-    EXPECT_EQ(textsOf(*laidOut(bass, {}), Role::Chord), (StringArray{"Ab", "F", "Eb", "Ab", "Ab"}));
+    EXPECT_EQ(textsOf(*laidOut(bass, *song, dc), Role::Chord),
+              (StringArray{"Ab", "F", "Eb", "Ab", "Ab"}));
 
     // No header, no footer, no copyright, no author; the running order shown.
     SongDisplayProfile bare = profileOf(Chords);
     bare.showHeader(false);
     bare.showFooter(false);
     bare.showCopyright(false);
-    auto plain = laidOut(bare, {});
+    auto plain = laidOut(bare, *song, dc);
     EXPECT_TRUE(itemsOf(*plain, Role::Title).empty());
     EXPECT_TRUE(itemsOf(*plain, Role::Info).empty());
     EXPECT_TRUE(itemsOf(*plain, Role::Copyright).empty());
@@ -203,7 +207,7 @@ TEST(SongLayoutTest, TheProfileSaysWhatShows) {
     bare.showAuthor(false);
     bare.showTempo(false);
     bare.showSequence(true);
-    EXPECT_EQ(textsOf(*laidOut(bare, {}), Role::Info),
+    EXPECT_EQ(textsOf(*laidOut(bare, *song, dc), Role::Info),
               (StringArray{"Key: Ab    Time: 3/4", "Order: V1 C1 V2 C1"}));
 }
 
@@ -255,48 +259,38 @@ TEST(SongLayoutTest, ColumnsAsTheProfileAsks) {
         return lefts;
     };
 
+    int pages = 0;
+
     // One column: two pages.
     SongDisplayProfile single = profileOf(Chords & ~ProfileFlag::MultiColumns);
-    SongLayout one(single);
-    one.addSong(*song, {});
-    EXPECT_EQ(one.layOut(dc), 2);
-    EXPECT_EQ(columnsOf(one), std::vector<double>{36});
+    EXPECT_EQ(columnsOf(*laidOut(single, *song, dc, {}, &pages)), std::vector<double>{36});
+    EXPECT_EQ(pages, 2);
 
     // Variable widths: columns as wide as their lines (10 letters of 10
     // points), side by side with the gap between them.
     SongDisplayProfile variable = profileOf(Chords);
-    SongLayout sideBySide(variable);
-    sideBySide.addSong(*song, {});
-    EXPECT_EQ(sideBySide.layOut(dc), 1);
-    EXPECT_EQ(columnsOf(sideBySide), (std::vector<double>{36, 36 + 100 + 18}));
+    EXPECT_EQ(columnsOf(*laidOut(variable, *song, dc, {}, &pages)),
+              (std::vector<double>{36, 36 + 100 + 18}));
+    EXPECT_EQ(pages, 1);
 
     // A fixed number of equal columns.
     SongDisplayProfile three = profileOf(Chords & ~ProfileFlag::VariableColumnWidths);
     three.setColumns(3, 12);
-    SongLayout fixed(three);
-    fixed.addSong(*song, {});
-    fixed.layOut(dc);
     const double width = (595 - 72 - 2 * 12) / 3.0;
-    EXPECT_EQ(columnsOf(fixed), (std::vector<double>{36, 36 + width + 12}));  // two hold it
+    EXPECT_EQ(columnsOf(*laidOut(three, *song, dc)),
+              (std::vector<double>{36, 36 + width + 12}));  // two hold it
 
     // Equal columns chosen by the widest line: none when the song fits one page.
     SongDisplayProfile automatic = profileOf(Chords & ~ProfileFlag::VariableColumnWidths);
-    SongLayout chosen(automatic);
-    chosen.addSong(*song, {});
-    EXPECT_EQ(chosen.layOut(dc), 1);
-    EXPECT_EQ(columnsOf(chosen), (std::vector<double>{36, 36 + (595 - 72 - 2 * 18) / 3.0 + 18}));
-    SongLayout shortOne(automatic);
-    const auto verse = longSong(1);
-    shortOne.addSong(*verse, {});
-    shortOne.layOut(dc);
-    EXPECT_EQ(columnsOf(shortOne).size(), 1u);
+    EXPECT_EQ(columnsOf(*laidOut(automatic, *song, dc, {}, &pages)),
+              (std::vector<double>{36, 36 + (595 - 72 - 2 * 18) / 3.0 + 18}));
+    EXPECT_EQ(pages, 1);
+    EXPECT_EQ(columnsOf(*laidOut(automatic, *longSong(1), dc)).size(), 1u);
 
     // Lines too wide for a second column: a new page instead.
     const auto wide = longSong(8, "a line far too wide to stand beside another one");
-    SongLayout widePages(variable);
-    widePages.addSong(*wide, {});
-    EXPECT_EQ(widePages.layOut(dc), 2);
-    EXPECT_EQ(columnsOf(widePages), std::vector<double>{36});
+    EXPECT_EQ(columnsOf(*laidOut(variable, *wide, dc, {}, &pages)), std::vector<double>{36});
+    EXPECT_EQ(pages, 2);
 }
 
 TEST(SongLayoutTest, LongLinesWrapWithTheirChordsOrAreCutOff) {

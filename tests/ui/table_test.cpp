@@ -39,17 +39,6 @@ std::vector<String> titles(Table& table) {
     return result;
 }
 
-TEST(TableTest, StartsWithArialNinePointFontsAndIsItsOwnHeader) {
-    Table table;
-    EXPECT_EQ(table.bodyFont(), (GFont{"Arial", 9.0, false, false, 0}));
-    EXPECT_EQ(table.headerFont(), (GFont{"Arial", 9.0, true, false, 0}));
-    EXPECT_EQ(table.table(), &table);
-    EXPECT_TRUE(table.header());
-    EXPECT_EQ(table.rowcount(), 0);
-    EXPECT_EQ(table.rect(0), Rect{});
-    EXPECT_EQ(table.size(1), Size{});
-}
-
 TEST(TableTest, ColumnsAndRowsGiveEveryCellABlankText) {
     Table table;
     table.addColumn("Title");
