@@ -175,5 +175,26 @@ TEST_F(BibleReferenceTest, FindsBooksOfOtherLanguagesByTheirPlace) {
     EXPECT_EQ(bookNameKey("I"), "i");
 }
 
+TEST_F(BibleReferenceTest, ABookWithOneLaterChapterIsNoOneChapterBook) {
+    // An excerpt that holds 1 Corinthians 13 alone, as sample Bibles do, and
+    // a chapter whose verses did not read.
+    TestBible excerpt;
+    ASSERT_EQ(excerpt.importFromFile(m_folder.write(
+                  "excerpt.xml", "<bible n=\"Excerpt\"><b n=\"1 Corinthians\"><c n=\"13\">"
+                                 "<v n=\"1\">Though I speak</v><v n=\"2\">And though</v></c>"
+                                 "</b><b n=\"Jude\"><c n=\"1\"></c></b></bible>")),
+              0u);
+    String error;
+    const auto resolve = [&](std::string_view text) {
+        error.clear();
+        return runs(BibleReference::parse(text)->resolve(excerpt, &error));
+    };
+    EXPECT_EQ(resolve("1 Cor 13"), "1 Corinthians 13:1-2");
+    EXPECT_EQ(resolve("1 Cor 12"), "");
+    EXPECT_EQ(error, "1 Corinthians has no chapter 12; the last is 13");
+    EXPECT_EQ(resolve("Jude"), "");
+    EXPECT_EQ(error, "Excerpt holds no verse of that passage");
+}
+
 }  // namespace
 }  // namespace melodex

@@ -106,6 +106,10 @@ TEST_F(BibleCliTest, HidesRemovesAndRefusesWhatIsNoBible) {
          "TITLE  BOOKS  VERSES  HIDDEN  FOLDER\n"
          "Mini       3       9  yes     Mini\n"
          "1 Bible in {tmp}/data/Bible Database"},
+        // A hidden Bible is not the one a passage is taken from unnamed.
+        {"--data {tmp}/data bible show 'John 3:16'", 1,
+         "melodex: no Bible is installed (and shown) in {tmp}/data/Bible Database"},
+        {"--data {tmp}/data bible show Mini 'John 3:16'", 0, "John 3\n16 For God so loved the world,"},
         {"--data {tmp}/data bible unhide mini", 0, "Shown: \"Mini\""},
         {"--data {tmp}/data bible remove Mini", 0,
          "Removed \"Mini\" ({tmp}/data/Bible Database/Mini)"},

@@ -78,15 +78,20 @@ Bible* chosenBible(std::string& name, std::vector<std::string>& rest, const char
     // A single word given is what follows TITLE, never TITLE alone.
     if (rest.empty() && !name.empty()) rest.push_back(std::exchange(name, {}));
     if (rest.empty()) failUsage(String(restName) + " is required");
-    if (theBibleDB.bibleCount() == 1 && (name.empty() || theBibleDB.findBibles(name).empty())) {
+    // Hidden Bibles are left out of the choice, as out of the programs' lists.
+    std::vector<Bible*> shown;
+    for (Bible* bible : theBibleDB.bibles()) {
+        if (!bible->hidden()) shown.push_back(bible);
+    }
+    if (shown.size() == 1 && (name.empty() || theBibleDB.findBibles(name).empty())) {
         if (!name.empty()) rest.insert(rest.begin(), std::exchange(name, {}));
-        return *theBibleDB.bibles().begin();
+        return shown.front();
     }
     if (name.empty()) {
-        if (theBibleDB.bibleCount() == 0)
-            fail("no Bible is installed in " + theBibleDB.databaseFolder());
+        if (shown.empty())
+            fail("no Bible is installed (and shown) in " + theBibleDB.databaseFolder());
         StringArray titles;
-        for (const Bible* bible : theBibleDB.bibles())
+        for (const Bible* bible : shown)
             titles.push_back(bible->title());
         failUsage("several Bibles are installed; name one: " + join(titles, ", "));
     }
@@ -189,9 +194,18 @@ void importBible(const std::string& path) {
     }
     if (error) warn(error.message());
     Bible& bible = *theBibleDB.bibles().back();  // an import is appended
+    const int verses = verseCount(bible);
     fmt::print("Imported \"{}\": {}, {} into {}\n", bible.title(),
-               plural(bible.bookCount(), "book"), plural(verseCount(bible), "verse"),
-               bible.folder());
+               plural(bible.bookCount(), "book"), plural(verses, "verse"), bible.folder());
+    // Installed all the same, so that it can be looked at; but a Bible
+    // without verses is no Bible to show from.
+    if (verses == 0) {
+        std::fflush(stdout);
+        fail(path + " holds no verse" +
+             (folderExists(path)
+                  ? String(": a .bbl book file has a line \"N: text\" for each verse")
+                  : String()));
+    }
 }
 
 // --- list, show, search ------------------------------------------------------------

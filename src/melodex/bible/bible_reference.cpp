@@ -425,8 +425,10 @@ std::vector<BibleVerse*> BibleReference::resolve(const Bible& bible, String* err
         for (BibleVerseRange range : passage.ranges) {
             int first = 0;
             int last = 0;
-            if (count == 1 && range.firstVerse == 0 && range.lastVerse == 0) {
-                // A book of one chapter is cited by verse alone: "Jude 3".
+            if (count == 1 && numbers[0] <= 1 && range.firstVerse == 0 && range.lastVerse == 0) {
+                // A book of one chapter is cited by verse alone: "Jude 3". A
+                // book of which one later chapter is installed is not such a
+                // book: "1 Cor 13" is its chapter 13.
                 range = {0, range.firstChapter, 0, range.lastChapter};
             } else {
                 first = chapterIndex(range.firstChapter);
@@ -443,6 +445,8 @@ std::vector<BibleVerse*> BibleReference::resolve(const Bible& bible, String* err
             if (!addRange(first, last, range.firstVerse, range.lastVerse)) return {};
         }
     }
+    // Chapters that hold no verse (a damaged book file) name nothing either.
+    if (verses.empty()) setError(error, bible.title() + " holds no verse of that passage");
     return verses;
 }
 
