@@ -649,7 +649,11 @@ json DisplayServer::Impl::opSetImage(Peer&, const json& request) {
     std::string url;
     if (!path.empty()) {
         if (!isAbsolutePath(path)) throw RequestError{"invalid_params", "path must be absolute"};
-        if (!fileExists(path)) throw RequestError{"not_found", "no such file: " + path};
+        if (!fileExists(path)) {
+            throw RequestError{
+                "not_found",
+                (folderExists(path) ? "a folder, not an image file: " : "no such file: ") + path};
+        }
         if (imageFileFormat(path) == ImageFormat::None)
             throw RequestError{"not_an_image",
                                "not a PNG, JPEG, GIF, WebP, BMP or SVG file: " + path};

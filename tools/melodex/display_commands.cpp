@@ -13,6 +13,7 @@
 #include "melodex/ui/display_connection.h"
 #include "melodex/ui/display_stage.h"
 #include "melodex/ui/display_status.h"
+#include "song_commands.h"
 
 namespace melodex::cli {
 
@@ -137,9 +138,7 @@ void showStage(const ServerOptions& server, const StageOptions& options) {
     if (options.transpose < -11 || options.transpose > 11)
         failUsage("--transpose must be from -11 to 11");
     const DisplayScreen screen = screenOption(server, DisplayScreen::Stage);
-    Song song;
-    if (const Status status = song.loadFromFile(options.song); status != StatusSuccess)
-        fail(fmt::format("cannot read {}: {}", options.song, statusMessage(status)));
+    const Song song = readSong(options.song);
     int index = 0;
     if (!options.section.empty()) {
         index = DisplayStage::findSection(song, options.section);

@@ -40,7 +40,8 @@ struct ConvertOptions {
     std::string type;  // "song", "txt", "sng"; empty: from the output's extension
 };
 
-// The song in a file, or on standard input for "-", whatever its format.
+}  // namespace
+
 Song readSong(const std::string& path) {
     const std::string bytes = readInput(path);
     const String name = isStandardStream(path) ? String("standard input") : String(path);
@@ -56,8 +57,11 @@ Song readSong(const std::string& path) {
     // Text that is no song (binary data, XML of another kind) would read as
     // lines of noise or as nothing.
     if (!SongDBFileEntry::isSong(song)) fail(name + " holds no song");
+    if (!isStandardStream(path)) song.filename(path);
     return song;
 }
+
+namespace {
 
 // The type named on the command line, else the one the output's extension
 // names; the song layout for a name without extension (and for "-").

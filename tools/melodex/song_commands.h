@@ -13,11 +13,19 @@
 // warning on standard error that names what is dropped. Exit codes: 0 done,
 // 1 failed (the reason on standard error), 2 usage.
 
+#include <string>
+
+#include "melodex/song/song.h"
+
 namespace CLI {
 class App;
 }  // namespace CLI
 
 namespace melodex::cli {
+
+// The song in a file, or on standard input for "-", whatever its format;
+// ends the command with status 1 when it cannot be read or holds no song.
+Song readSong(const std::string& path);
 
 // Adds the "song" command group to the program's command line.
 void addSongCommands(CLI::App& app);

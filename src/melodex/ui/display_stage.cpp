@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "melodex/foundation/text.h"
+#include "melodex/library/song_db_file_entry.h"
 #include "melodex/music/song_chord.h"
 #include "melodex/music/song_info.h"
 #include "melodex/song/song.h"
@@ -124,7 +125,8 @@ bool readLines(const json& object, const char* name, std::vector<StageLine>& out
 DisplayStage DisplayStage::fromSong(const Song& song, int index, int transposeBy) {
     DisplayStage stage;
     const SongInfo& info = song.info();
-    stage.title = info.title();
+    // The name the song is listed under: a plain-text song has no title.
+    stage.title = SongDBFileEntry::listedTitle(song);
     stage.key = info.key().empty() ? String() : info.keyName(transposeBy);
     stage.transpose = transposeBy;
     const int capo = toInteger(info.getAttribute("capo"), 0);
