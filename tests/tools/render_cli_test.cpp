@@ -126,6 +126,8 @@ TEST(RenderCliTest, LibraryListPrintsTheLibraryAsATable) {
     EXPECT_EQ(failed.output,
               "melodex: cannot write \"no folder/list.pdf\": No such file or directory\n");
     EXPECT_EQ(melodex(folder, "library list --pdf").exit, 2);
+    EXPECT_EQ(melodex(folder, "library list --pdf list.png").exit, 2);
+    EXPECT_FALSE(fileExists(folder.file("list.png")));
 
     const std::optional<String> text = test::pdfText(folder.file("list.pdf"));
     if (!text) GTEST_SKIP() << "pdftotext is not installed";

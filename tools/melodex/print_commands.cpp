@@ -32,6 +32,10 @@ String cellText(const String& text, std::size_t longest) {
 }  // namespace
 
 void printLibraryList(const std::string& path) {
+    // Only a PDF is written: a name that promises something else would hold
+    // a file no program opens as what its name says.
+    if (!isStandardStream(path) && !endsWithIgnoreCase(path, ".pdf"))
+        failUsage("--pdf must name a .pdf file (or - for standard output), not \"" + path + "\"");
     OpenLibrary library;
     struct Row {
         String title, key, author;
