@@ -278,10 +278,12 @@ void searchBible(SearchOptions options) {
     const std::vector<BibleVerse*> found = search.find(*bible);
     for (const BibleVerse* verse : found)
         fmt::print("{}  {}\n", BibleReference::label(*verse), verse->text());
-    if (found.empty())
+    if (found.empty()) {
+        // As library search and grep: finding nothing is a failure a script can test.
         fmt::print("No verse of {} holds \"{}\"\n", bible->title(), words);
-    else
-        fmt::print("{} in {}\n", plural(long(found.size()), "verse"), bible->title());
+        throw CLI::RuntimeError(ExitFailed);
+    }
+    fmt::print("{} in {}\n", plural(long(found.size()), "verse"), bible->title());
 }
 
 // --- hide, unhide, remove ------------------------------------------------------------

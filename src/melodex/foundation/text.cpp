@@ -275,6 +275,35 @@ String foldCase(std::string_view text) {
     return out;
 }
 
+namespace {
+
+// Letters that have no decomposition, read as the base letters that people
+// type for them: a Polish user types "l" for "ł", a Dane "o" for "ø".
+std::string_view baseLetters(char32_t c) {
+    switch (c) {
+        case U'ł':
+            return "l";
+        case U'đ':
+            return "d";
+        case U'ø':
+            return "o";
+        case U'ħ':
+            return "h";
+        case U'ŧ':
+            return "t";
+        case U'ı':
+            return "i";
+        case U'æ':
+            return "ae";
+        case U'œ':
+            return "oe";
+        default:
+            return {};
+    }
+}
+
+}  // namespace
+
 String foldForSearch(std::string_view text) {
     // Decomposing one code point at a time is enough: the combining marks,
     // the only characters that canonical ordering would move, are dropped.
@@ -308,8 +337,12 @@ String foldForSearch(std::string_view text) {
             appendUtf8(out, codePoint);
             continue;
         }
-        for (utf8proc_ssize_t i = 0; i < count; ++i)
-            appendUtf8(out, char32_t(decomposed[i]));
+        for (utf8proc_ssize_t i = 0; i < count; ++i) {
+            if (const std::string_view base = baseLetters(char32_t(decomposed[i])); !base.empty())
+                out += base;
+            else
+                appendUtf8(out, char32_t(decomposed[i]));
+        }
     }
     return out;
 }

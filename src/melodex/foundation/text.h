@@ -108,7 +108,8 @@ int compareIgnoreCase(std::string_view a, std::string_view b);
 // ("Ésaïe" gives "esaie", "ﬁ" gives "fi"), every dash and the minus sign
 // become "-", typographic single quotes and apostrophes "'", typographic
 // double quotes and guillemets '"', and every kind of space a blank.
-// Letters without a decomposition ("ø", "ł", "æ") stay as they are.
+// Letters without a decomposition are read as the base letters people type
+// for them ("ø" o, "ł" l, "æ" ae, "œ" oe, "đ" d, "ħ" h, "ŧ" t, "ı" i).
 String foldForSearch(std::string_view text);
 
 bool startsWithIgnoreCase(std::string_view text, std::string_view prefix);

@@ -22,31 +22,6 @@ bool isInvisibleInWord(char32_t c) {
            c == U'\uFEFF';
 }
 
-// Letters that have no decomposition, so foldForSearch keeps them, while a
-// user typing without them writes their base letters.
-std::string_view baseLetters(char32_t c) {
-    switch (c) {
-        case U'ł':
-            return "l";
-        case U'đ':
-            return "d";
-        case U'ø':
-            return "o";
-        case U'ħ':
-            return "h";
-        case U'ŧ':
-            return "t";
-        case U'ı':
-            return "i";
-        case U'æ':
-            return "ae";
-        case U'œ':
-            return "oe";
-        default:
-            return {};
-    }
-}
-
 // Groups of hits, best first.
 enum Rank { TitleStart, TitleInside, IndexRank, AuthorRank, LyricsRank, NoRank };
 
@@ -232,10 +207,7 @@ String SongSearch::searchKey(std::string_view text) {
         const char32_t c = decodeUtf8(folded, pos);
         // "pow'r" and "powr", "Jesus'" and "Jesus" are the same words.
         if (c == U'\'' || isInvisibleInWord(c)) continue;
-        if (const std::string_view base = baseLetters(c); !base.empty()) {
-            key += base;
-            blank = false;
-        } else if (isLetterOrDigit(c)) {
+        if (isLetterOrDigit(c)) {
             appendUtf8(key, c);
             blank = false;
         } else if (!blank) {
