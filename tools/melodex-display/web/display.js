@@ -92,8 +92,16 @@
     return div;
   }
 
+  // A long line wraps between its chords; a long section is made smaller
+  // until it fits its box, so that the singer sees all of it, not a cut.
   function showText(element, lines) {
     element.replaceChildren(...(lines || []).map(lineElement));
+    element.style.fontSize = "";
+    let size = parseFloat(getComputedStyle(element).fontSize);
+    while (element.scrollHeight > element.clientHeight + 1 && size > 8) {
+      size *= 0.9;
+      element.style.fontSize = size + "px";
+    }
   }
 
   function showStage(stage) {
