@@ -191,7 +191,7 @@ TEST_F(BibleReferenceTest, ABookWithOneLaterChapterIsNoOneChapterBook) {
     };
     EXPECT_EQ(resolve("1 Cor 13"), "1 Corinthians 13:1-2");
     EXPECT_EQ(resolve("1 Cor 12"), "");
-    EXPECT_EQ(error, "1 Corinthians has no chapter 12; the last is 13");
+    EXPECT_EQ(error, "1 Corinthians has no chapter 12 in Excerpt, which holds 1 of its chapters");
     EXPECT_EQ(resolve("Jude"), "");
     EXPECT_EQ(error, "Excerpt holds no verse of that passage");
 }

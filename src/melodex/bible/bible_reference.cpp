@@ -371,8 +371,12 @@ std::vector<BibleVerse*> BibleReference::resolve(const Bible& bible, String* err
         const auto chapterIndex = [&](int number) {
             const auto it = std::find(numbers.begin(), numbers.end(), number);
             if (it != numbers.end()) return int(it - numbers.begin());
+            const int last = lastNumber();
+            // Below the last: a Bible that holds some chapters of the book only.
             setError(error, book->title() + " has no chapter " + std::to_string(number) +
-                                "; the last is " + std::to_string(lastNumber()));
+                                (number < last ? " in " + bible.title() + ", which holds " +
+                                                     std::to_string(count) + " of its chapters"
+                                               : "; the last is " + std::to_string(last)));
             return -1;
         };
         const auto addRange = [&](int first, int last, int firstVerse, int lastVerse) {
