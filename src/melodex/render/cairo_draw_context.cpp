@@ -1,6 +1,7 @@
 #include "melodex/render/cairo_draw_context.h"
 
 #include <climits>
+#include <optional>
 #include <vector>
 
 #include <cairo.h>
@@ -36,7 +37,7 @@ struct CairoDrawContext::Impl {
     PangoContext* pango = nullptr;
     PangoLayout* layout = nullptr;
     PangoFontDescription* description = nullptr;
-    bool fontChanged = true;
+    std::optional<GFont> appliedFont;  // the font the layout is set to
     bool haveMetrics = false;
     FontMetrics metrics;
     SizeF pageSize;
@@ -46,8 +47,6 @@ struct CairoDrawContext::Impl {
     String preparedText;
     bool preparedSingle = false;
     double preparedWidth = 0;
-    DrawState state;
-    std::vector<DrawState> saved;
 
     ~Impl() {
         if (description != nullptr) pango_font_description_free(description);
@@ -55,28 +54,28 @@ struct CairoDrawContext::Impl {
         if (pango != nullptr) g_object_unref(pango);
     }
 
-    void applyFont() {
-        if (!fontChanged) return;
+    void applyFont(const GFont& font) {
+        if (appliedFont && *appliedFont == font) return;
         if (description != nullptr) pango_font_description_free(description);
         description = pango_font_description_new();
-        pango_font_description_set_family(description, state.font.face.c_str());
+        pango_font_description_set_family(description, font.face.c_str());
         // The context's resolution is 72 dots per inch, so a point is one
         // unit of the Cairo context and the size goes in unchanged.
-        pango_font_description_set_size(description, int(state.font.size * PANGO_SCALE + 0.5));
-        pango_font_description_set_weight(
-            description, state.font.bold ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
-        pango_font_description_set_style(
-            description, state.font.italic ? PANGO_STYLE_ITALIC : PANGO_STYLE_NORMAL);
+        pango_font_description_set_size(description, int(font.size * PANGO_SCALE + 0.5));
+        pango_font_description_set_weight(description,
+                                          font.bold ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
+        pango_font_description_set_style(description,
+                                         font.italic ? PANGO_STYLE_ITALIC : PANGO_STYLE_NORMAL);
         pango_layout_set_font_description(layout, description);
-        fontChanged = false;
+        appliedFont = font;
         haveMetrics = false;
     }
 
     // Puts `text` into the layout: as one line, or wrapped to `width`. The
     // same text asked again keeps the layout Pango has made of it, so that
     // measuring where each chord of a line goes shapes the line once.
-    void prepare(std::string_view text, bool singleLine, double width = -1) {
-        applyFont();
+    void prepare(const GFont& font, std::string_view text, bool singleLine, double width = -1) {
+        applyFont(font);
         if (!prepared || text != preparedText || singleLine != preparedSingle ||
             width != preparedWidth) {
             const String valid = validUtf8(text);
@@ -101,7 +100,7 @@ struct CairoDrawContext::Impl {
     }
 
     // Draws the prepared layout with its top-left corner at (x, y).
-    void show(double x, double y) {
+    void show(const DrawState& state, double x, double y) {
         if (state.backgroundMode == BackgroundMode::Opaque) {
             const PangoRectangle logical = logicalExtents();
             setSourceColor(cr, state.backgroundColor);
@@ -161,65 +160,27 @@ bool CairoDrawContext::newPage() {
     return true;
 }
 
-void CairoDrawContext::setFont(const GFont& font) {
-    if (font == m_impl->state.font) return;
-    m_impl->state.font = font;
-    m_impl->fontChanged = true;
-}
-
-const GFont& CairoDrawContext::font() const {
-    return m_impl->state.font;
-}
-
-void CairoDrawContext::setTextColor(Color color) {
-    m_impl->state.textColor = color;
-}
-
-Color CairoDrawContext::textColor() const {
-    return m_impl->state.textColor;
-}
-
-void CairoDrawContext::setBackgroundColor(Color color) {
-    m_impl->state.backgroundColor = color;
-}
-
-void CairoDrawContext::setBackgroundMode(BackgroundMode mode) {
-    m_impl->state.backgroundMode = mode;
-}
-
-BackgroundMode CairoDrawContext::backgroundMode() const {
-    return m_impl->state.backgroundMode;
-}
-
-void CairoDrawContext::saveState() {
-    m_impl->saved.push_back(m_impl->state);
+void CairoDrawContext::onSaveState() {
     cairo_save(m_impl->cr);
 }
 
-void CairoDrawContext::restoreState() {
-    Impl& d = *m_impl;
-    if (d.saved.empty()) return;
-    if (!(d.saved.back().font == d.state.font)) d.fontChanged = true;
-    d.state = std::move(d.saved.back());
-    d.saved.pop_back();
-    cairo_restore(d.cr);
+void CairoDrawContext::onRestoreState() {
+    cairo_restore(m_impl->cr);
 }
 
-void CairoDrawContext::clipTo(const RectF& rect) {
-    Impl& d = *m_impl;
-    d.state.clip = d.state.clip ? intersected(*d.state.clip, rect) : rect;
-    cairo_rectangle(d.cr, rect.left, rect.top, rect.width(), rect.height());
-    cairo_clip(d.cr);
+void CairoDrawContext::onClip(const RectF& rect) {
+    cairo_rectangle(m_impl->cr, rect.left, rect.top, rect.width(), rect.height());
+    cairo_clip(m_impl->cr);
 }
 
 SizeF CairoDrawContext::textExtent(std::string_view text) {
-    m_impl->prepare(text, true);
+    m_impl->prepare(font(), text, true);
     const PangoRectangle logical = m_impl->logicalExtents();
     return {fromPango(logical.width), fromPango(logical.height)};
 }
 
 double CairoDrawContext::advanceTo(std::string_view line, std::size_t codePoints) {
-    m_impl->prepare(line, true);
+    m_impl->prepare(font(), line, true);
     const String valid = validUtf8(line);
     const std::size_t byte = codePointToByteOffset(valid, codePoints);
     if (byte >= valid.size()) return fromPango(m_impl->logicalExtents().width);
@@ -230,14 +191,14 @@ double CairoDrawContext::advanceTo(std::string_view line, std::size_t codePoints
 
 FontMetrics CairoDrawContext::fontMetrics() {
     Impl& d = *m_impl;
-    d.applyFont();
+    d.applyFont(font());
     if (!d.haveMetrics) {
         // Measured on a line of text as drawText lays it out. The font's
         // own metrics (pango_context_get_metrics, or a line without text)
         // come out in points divided by the device's scale on a screen
         // context, a quarter too small at 96 dpi, and lines laid out by them
         // overlap.
-        d.prepare("M", true);
+        d.prepare(font(), "M", true);
         const double height = fromPango(d.logicalExtents().height);
         d.metrics.ascent = fromPango(pango_layout_get_baseline(d.layout));
         d.metrics.lineHeight = height;
@@ -248,7 +209,7 @@ FontMetrics CairoDrawContext::fontMetrics() {
 }
 
 double CairoDrawContext::wrappedTextHeight(std::string_view text, double width) {
-    m_impl->prepare(text, false, width);
+    m_impl->prepare(font(), text, false, width);
     return fromPango(m_impl->logicalExtents().height);
 }
 
@@ -260,18 +221,18 @@ void CairoDrawContext::fillRect(const RectF& rect, Color color) {
 }
 
 void CairoDrawContext::drawText(PointF origin, std::string_view text) {
-    m_impl->prepare(text, true);
-    m_impl->show(origin.x, origin.y);
+    m_impl->prepare(font(), text, true);
+    m_impl->show(state(), origin.x, origin.y);
 }
 
 void CairoDrawContext::drawWrappedText(const RectF& rect, std::string_view text) {
     if (rect.isEmpty()) return;
     Impl& d = *m_impl;
-    d.prepare(text, false, rect.width());
+    d.prepare(font(), text, false, rect.width());
     cairo_save(d.cr);
     cairo_rectangle(d.cr, rect.left, rect.top, rect.width(), rect.height());
     cairo_clip(d.cr);
-    d.show(rect.left, rect.top);
+    d.show(state(), rect.left, rect.top);
     cairo_restore(d.cr);
 }
 

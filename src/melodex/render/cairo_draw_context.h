@@ -43,17 +43,6 @@ public:
     SizeF pageSize() const override;
     bool newPage() override;
 
-    void setFont(const GFont& font) override;
-    const GFont& font() const override;
-    void setTextColor(Color color) override;
-    Color textColor() const override;
-    void setBackgroundColor(Color color) override;
-    void setBackgroundMode(BackgroundMode mode) override;
-    BackgroundMode backgroundMode() const override;
-    void saveState() override;
-    void restoreState() override;
-    void clipTo(const RectF& rect) override;
-
     SizeF textExtent(std::string_view text) override;
     // The leading edge of the code point: its left side in left-to-right
     // text, its right side in right-to-left text.
@@ -64,6 +53,11 @@ public:
     void fillRect(const RectF& rect, Color color) override;
     void drawText(PointF origin, std::string_view text) override;
     void drawWrappedText(const RectF& rect, std::string_view text) override;
+
+protected:
+    void onSaveState() override;
+    void onRestoreState() override;
+    void onClip(const RectF& rect) override;
 
 private:
     struct Impl;

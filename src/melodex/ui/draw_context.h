@@ -38,6 +38,7 @@
 #include <cstddef>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 #include "melodex/display/gfont.h"
 #include "melodex/foundation/color_names.h"
@@ -57,7 +58,8 @@ struct FontMetrics {
     double lineHeight = 0;  // the distance from one line to the next
 };
 
-// Everything saveState() keeps, for implementations to hold and stack.
+// Everything saveState() keeps. The context holds and stacks it for every
+// device; a device reads it when it measures and draws.
 struct DrawState {
     GFont font;
     Color textColor = 0;
@@ -81,28 +83,30 @@ public:
     // nothing happens, on a device that has a single page (an image).
     virtual bool newPage() = 0;
 
-    // --- State ---------------------------------------------------------------
+    // --- State -------------------------------------------------------------------
 
-    virtual void setFont(const GFont& font) = 0;
-    virtual const GFont& font() const = 0;
+    void setFont(const GFont& font) { m_state.font = font; }
+    const GFont& font() const { return m_state.font; }
 
     // The colour text is drawn in. The colour of the font is not used for
     // drawing: callers set it here, as they set a device context's.
-    virtual void setTextColor(Color color) = 0;
-    virtual Color textColor() const = 0;
+    void setTextColor(Color color) { m_state.textColor = color; }
+    Color textColor() const { return m_state.textColor; }
 
-    virtual void setBackgroundColor(Color color) = 0;
-    virtual void setBackgroundMode(BackgroundMode mode) = 0;
-    virtual BackgroundMode backgroundMode() const = 0;
+    void setBackgroundColor(Color color) { m_state.backgroundColor = color; }
+    void setBackgroundMode(BackgroundMode mode) { m_state.backgroundMode = mode; }
+    BackgroundMode backgroundMode() const { return m_state.backgroundMode; }
 
     // Pushes the whole state (font, colours, background mode, clip); calls
     // nest. restoreState() without a matching saveState() does nothing.
-    virtual void saveState() = 0;
-    virtual void restoreState() = 0;
+    void saveState();
+    void restoreState();
+    // How deep saveState() calls are nested now.
+    int stateDepth() const { return int(m_saved.size()); }
 
     // Limits drawing to `rect` (within any clip in force) until the state is
     // restored.
-    virtual void clipTo(const RectF& rect) = 0;
+    void clipTo(const RectF& rect);
 
     // --- Measuring in the current font -----------------------------------------
 
@@ -134,6 +138,20 @@ public:
     // rectangle is broken between letters. Line breaks in the text start
     // new lines.
     virtual void drawWrappedText(const RectF& rect, std::string_view text) = 0;
+
+protected:
+    const DrawState& state() const { return m_state; }
+
+    // For a device that keeps a state of its own (a Cairo context's clip):
+    // called after the state is pushed, after it is popped, and after a
+    // clip is added.
+    virtual void onSaveState() {}
+    virtual void onRestoreState() {}
+    virtual void onClip(const RectF& /*rect*/) {}
+
+private:
+    DrawState m_state;
+    std::vector<DrawState> m_saved;
 };
 
 // Saves a context's state for the lifetime of this object.

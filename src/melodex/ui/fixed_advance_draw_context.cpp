@@ -14,20 +14,6 @@ bool FixedAdvanceDrawContext::newPage() {
     return true;
 }
 
-void FixedAdvanceDrawContext::saveState() {
-    m_saved.push_back(m_state);
-}
-
-void FixedAdvanceDrawContext::restoreState() {
-    if (m_saved.empty()) return;
-    m_state = std::move(m_saved.back());
-    m_saved.pop_back();
-}
-
-void FixedAdvanceDrawContext::clipTo(const RectF& rect) {
-    m_state.clip = m_state.clip ? intersected(*m_state.clip, rect) : rect;
-}
-
 SizeF FixedAdvanceDrawContext::textExtent(std::string_view text) {
     return {double(codePointLength(text)) * advance(), lineHeight()};
 }
@@ -37,7 +23,7 @@ double FixedAdvanceDrawContext::advanceTo(std::string_view line, std::size_t cod
 }
 
 FontMetrics FixedAdvanceDrawContext::fontMetrics() {
-    return {m_state.font.size, m_state.font.size * 0.25, lineHeight()};
+    return {state().font.size, state().font.size * 0.25, lineHeight()};
 }
 
 StringArray FixedAdvanceDrawContext::wrapLines(std::string_view text, double width) const {
@@ -83,10 +69,10 @@ FixedAdvanceDrawContext::Operation& FixedAdvanceDrawContext::record(Operation::K
     Operation& op = m_operations.emplace_back();
     op.kind = kind;
     op.page = m_page;
-    op.font = m_state.font;
-    op.color = m_state.textColor;
-    op.background = m_state.backgroundMode;
-    op.clip = m_state.clip;
+    op.font = state().font;
+    op.color = state().textColor;
+    op.background = state().backgroundMode;
+    op.clip = state().clip;
     return op;
 }
 

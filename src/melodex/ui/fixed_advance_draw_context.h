@@ -46,8 +46,6 @@ public:
     const std::vector<Operation>& operations() const { return m_operations; }
     void clearOperations() { m_operations.clear(); }
     int pageCount() const { return m_page + 1; }
-    // How deep saveState() calls are nested now.
-    int stateDepth() const { return int(m_saved.size()); }
 
     // The lines `text` wraps into at `width` in the current font.
     StringArray wrapLines(std::string_view text, double width) const;
@@ -55,17 +53,6 @@ public:
     bool isPrinting() const override { return m_printing; }
     SizeF pageSize() const override { return m_pageSize; }
     bool newPage() override;
-
-    void setFont(const GFont& font) override { m_state.font = font; }
-    const GFont& font() const override { return m_state.font; }
-    void setTextColor(Color color) override { m_state.textColor = color; }
-    Color textColor() const override { return m_state.textColor; }
-    void setBackgroundColor(Color color) override { m_state.backgroundColor = color; }
-    void setBackgroundMode(BackgroundMode mode) override { m_state.backgroundMode = mode; }
-    BackgroundMode backgroundMode() const override { return m_state.backgroundMode; }
-    void saveState() override;
-    void restoreState() override;
-    void clipTo(const RectF& rect) override;
 
     SizeF textExtent(std::string_view text) override;
     double advanceTo(std::string_view line, std::size_t codePoints) override;
@@ -77,16 +64,14 @@ public:
     void drawWrappedText(const RectF& rect, std::string_view text) override;
 
 private:
-    double advance() const { return m_state.font.size * m_advancePerEm; }
-    double lineHeight() const { return m_state.font.size * 1.25; }
+    double advance() const { return state().font.size * m_advancePerEm; }
+    double lineHeight() const { return state().font.size * 1.25; }
     Operation& record(Operation::Kind kind);
 
     bool m_printing;
     SizeF m_pageSize;
     double m_advancePerEm;
     int m_page = 0;
-    DrawState m_state;
-    std::vector<DrawState> m_saved;
     std::vector<Operation> m_operations;
 };
 
