@@ -54,17 +54,6 @@ constexpr NamedBit DisplayFlags[] = {
 
 constexpr int SingerTypeCount = 10;
 
-void appendElement(String& out, int depth, std::string_view name, std::string_view value) {
-    out.append(std::size_t(depth), '\t');
-    out += '<';
-    out += name;
-    out += '>';
-    out += value;
-    out += "</";
-    out += name;
-    out += ">\n";
-}
-
 const char* bit(bool on) {
     return on ? "1" : "0";
 }
@@ -97,26 +86,27 @@ String SongDisplayProfile::saveToText() const {
     out += "<?xml version=\"1.0\"?>\n<profile xmlns=\"brackwell/songdisplayprofile\">\n";
     // Encoded although the older writers put these in as they were: a name
     // with "&" or "<" would otherwise make a file that no reader takes.
-    appendElement(out, 1, "name", XmlString::encodeText(m_name));
-    appendElement(out, 1, "title", XmlString::encodeText(m_title));
+    XmlString::appendElement(out, 1, "name", XmlString::encodeText(m_name));
+    XmlString::appendElement(out, 1, "title", XmlString::encodeText(m_title));
 
     out += "\t<target>\n";
     for (const NamedBit& target : Targets)
-        appendElement(out, 2, target.name, bit((m_type & target.mask) != 0));
+        XmlString::appendElement(out, 2, target.name, bit((m_type & target.mask) != 0));
     out += "\t</target>\n";
 
     out += "\t<display>\n";
-    appendElement(out, 2, "pagebackgroundcolor", getColorName(m_pageBackgroundColor));
+    XmlString::appendElement(out, 2, "pagebackgroundcolor", getColorName(m_pageBackgroundColor));
     for (const NamedBit& flag : DisplayFlags)
-        appendElement(out, 2, flag.name, bit(isFlagSet(flag.mask)));
-    appendElement(out, 2, "transpose", std::to_string(m_transpose));
-    appendElement(out, 2, "highlightFadeTime", Value(m_highlightFadeTime).toString());
-    appendElement(out, 2, "highlightBgColor", getColorName(m_highlightBackgroundColor));
+        XmlString::appendElement(out, 2, flag.name, bit(isFlagSet(flag.mask)));
+    XmlString::appendElement(out, 2, "transpose", std::to_string(m_transpose));
+    XmlString::appendElement(out, 2, "highlightFadeTime", Value(m_highlightFadeTime).toString());
+    XmlString::appendElement(out, 2, "highlightBgColor", getColorName(m_highlightBackgroundColor));
     out += "\t</display>\n";
 
     out += "\t<linecolors>\n";
     for (int singers = 0; singers < SingerTypeCount; ++singers)
-        appendElement(out, 2, singerTypeToString(singers), getColorName(getLineColor(singers)));
+        XmlString::appendElement(out, 2, singerTypeToString(singers),
+                                 getColorName(getLineColor(singers)));
     out += "\t</linecolors>\n";
 
     out += "\t<textstyles>\n\t\t<default>\n";
@@ -137,8 +127,9 @@ String SongDisplayProfile::saveToText() const {
         out += "\t\t<key index=\"" + std::to_string(key) + "\"";
         out += XmlString::attribute("name", getKeyName(key));
         out += ">\n";
-        appendElement(out, 3, "capo", std::to_string(defaultCapoPosition(key)));
-        appendElement(out, 3, "localtranspose", std::to_string(defaultLocalTranspose(key)));
+        XmlString::appendElement(out, 3, "capo", std::to_string(defaultCapoPosition(key)));
+        XmlString::appendElement(out, 3, "localtranspose",
+                                 std::to_string(defaultLocalTranspose(key)));
         for (int note = 0; note < 12; ++note) {
             out += "\t\t\t<chord index=\"" + std::to_string(note) + "\">";
             out += XmlString::encodeText(getNoteName(key, note, 0));

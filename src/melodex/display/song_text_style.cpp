@@ -41,13 +41,7 @@ constexpr std::array<const char*, StyleKind::Count> StyleNames = {
 
 // One element at the indentation styles have inside a profile file.
 void appendElement(String& out, std::string_view name, std::string_view value) {
-    out += "\t\t\t<";
-    out += name;
-    out += '>';
-    out += value;
-    out += "</";
-    out += name;
-    out += ">\n";
+    XmlString::appendElement(out, 3, name, value);
 }
 
 String decimal(double number) {

@@ -447,4 +447,16 @@ String XmlString::attribute(std::string_view name, std::string_view value) {
     return out;
 }
 
+void XmlString::appendElement(String& out, int depth, std::string_view name,
+                              std::string_view value) {
+    out.append(std::size_t(depth), '\t');
+    out += '<';
+    out += name;
+    out += '>';
+    out += value;
+    out += "</";
+    out += name;
+    out += ">\n";
+}
+
 }  // namespace melodex

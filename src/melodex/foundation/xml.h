@@ -142,6 +142,12 @@ struct XmlString {
     // the name, "=" and the escaped value in double quotes. Entities, not
     // backslashes: an XML reader undoes only those.
     static String attribute(std::string_view name, std::string_view value);
+
+    // A line of an indented document: `depth` tabs, "<name>value</name>" and
+    // a line feed. The value goes in as given: text through encode or
+    // encodeText first.
+    static void appendElement(String& out, int depth, std::string_view name,
+                              std::string_view value);
 };
 
 }  // namespace melodex
