@@ -51,10 +51,6 @@ std::vector<Item> itemsOf(const SongSet& set) {
     return items;
 }
 
-String signedNumber(int value) {
-    return value > 0 ? "+" + std::to_string(value) : std::to_string(value);
-}
-
 // A song file's path as the listing shows it: below the set's folder
 // relative to it, so that lines stay short.
 String shownPath(const String& path, const SongSet& set) {
@@ -97,21 +93,7 @@ const char* sourceWord(Unresolved::Source source) {
 
 // "library song gone-0001: not in the library", "the entry names no song"
 String describe(const Unresolved& missing, const SongSet& set) {
-    String what;
-    switch (missing.source) {
-        case Unresolved::Source::Library:
-            what = "library song " + missing.name;
-            break;
-        case Unresolved::Source::File:
-            what = missing.name.empty() ? "song file" : "file " + shownPath(missing.name, set);
-            break;
-        case Unresolved::Source::Embedded:
-            what = "embedded song";
-            break;
-        case Unresolved::Source::None:
-            return missing.reason;
-    }
-    return what + ": " + missing.reason;
+    return missing.describe("file " + shownPath(missing.name, set));
 }
 
 // The song as a chord sheet in the entry's running order, with the entry's

@@ -517,4 +517,8 @@ int toInteger(std::string_view text, int defaultValue) {
     return int(std::clamp<long long>(value, INT_MIN, INT_MAX));
 }
 
+String signedNumber(int value) {
+    return value > 0 ? "+" + std::to_string(value) : std::to_string(value);
+}
+
 }  // namespace melodex

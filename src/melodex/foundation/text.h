@@ -178,4 +178,7 @@ std::optional<double> parseDouble(std::string_view text);
 // toInteger("12px") is 12, toInteger("large") is the default.
 int toInteger(std::string_view text, int defaultValue = 0);
 
+// A change as people write it: "+2", "-3", "0".
+String signedNumber(int value);
+
 }  // namespace melodex

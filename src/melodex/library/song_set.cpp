@@ -90,6 +90,20 @@ Status SongSet::saveToFile(const String& path, bool useFilenames) {
     return file.close();
 }
 
+String SongSet::UnresolvedEntry::describe(const String& file) const {
+    switch (source) {
+        case Source::Library:
+            return "library song " + name + ": " + reason;
+        case Source::File:
+            return (name.empty() ? String("song file") : file) + ": " + reason;
+        case Source::Embedded:
+            return "embedded song: " + reason;
+        case Source::None:
+            break;
+    }
+    return reason;
+}
+
 Status SongSet::loadFromFile(const String& path) {
     clear();
     XmlFile file;

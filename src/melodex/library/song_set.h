@@ -67,6 +67,12 @@ public:
         Source source = Source::None;
         String name;    // the uuid, or the path as resolved; empty otherwise
         String reason;  // "not in the library", "No such file or directory" ...
+
+        // "library song gone-0001: not in the library", "<file>: No such file
+        // or directory", "embedded song: ...", or the reason alone for an
+        // entry that names no song. `file` is how the caller shows the
+        // missing song file.
+        String describe(const String& file) const;
     };
 
     SongSet();

@@ -21,26 +21,8 @@ String cell(const String& text) {
     return " " + text + " ";
 }
 
-String signedNumber(int value) {
-    return value > 0 ? "+" + std::to_string(value) : std::to_string(value);
-}
-
 String missingText(const Unresolved& missing) {
-    String what;
-    switch (missing.source) {
-        case Unresolved::Source::Library:
-            what = "library song " + missing.name;
-            break;
-        case Unresolved::Source::File:
-            what = missing.name.empty() ? String("song file") : fileNameOf(missing.name);
-            break;
-        case Unresolved::Source::Embedded:
-            what = "embedded song";
-            break;
-        case Unresolved::Source::None:
-            return "(missing) " + missing.reason;
-    }
-    return "(missing) " + what + ": " + missing.reason;
+    return "(missing) " + missing.describe(fileNameOf(missing.name));
 }
 
 void addSongRow(Table& table, int number, const SongSetEntry& entry, SongDisplayProfile& profile) {
