@@ -106,8 +106,11 @@ Status BibleBook::checkReadable(const String& path) {
 }
 
 Status BibleBook::openForReading(TextFile& file, const String& path) {
-    if (const Status status = checkReadable(path); status != StatusSuccess) return status;
-    return file.open(path, TextFile::Mode::Read);
+    m_loaded = true;
+    Status status = checkReadable(path);
+    if (status == StatusSuccess) status = file.open(path, TextFile::Mode::Read);
+    m_lastError.record(FileError::Action::Read, path, status);
+    return status;
 }
 
 String BibleBook::fileNameFor(std::string_view title, std::string_view fallback) {
@@ -119,12 +122,7 @@ String BibleBook::fileNameFor(std::string_view title, std::string_view fallback)
 
 Status BibleBook::load() {
     TextFile file;
-    const Status status = openForReading(file, m_file);
-    m_loaded = true;
-    if (status != StatusSuccess) {
-        m_lastError.record(FileError::Action::Read, m_file, status);
-        return status;
-    }
+    if (const Status status = openForReading(file, m_file); status != StatusSuccess) return status;
     BibleChapter* current = nullptr;
     String buffer;
     while (file.readLine(buffer)) {
@@ -193,12 +191,7 @@ void BibleBook::writeToFile(TextFile& file) const {
 Status BibleBook::importBblFile(const String& path) {
     m_lastError.clear();
     TextFile file;
-    const Status status = openForReading(file, path);
-    m_loaded = true;
-    if (status != StatusSuccess) {
-        m_lastError.record(FileError::Action::Read, path, status);
-        return status;
-    }
+    if (const Status status = openForReading(file, path); status != StatusSuccess) return status;
     BibleChapter* current = nullptr;
     String buffer;
     while (file.readLine(buffer)) {

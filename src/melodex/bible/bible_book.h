@@ -104,7 +104,10 @@ private:
     // StatusNotRegularFile. Nothing else is ever opened for reading: a FIFO
     // or device named by a damaged bible.ini would block the read for ever.
     [[nodiscard]] static Status checkReadable(const String& path);
-    [[nodiscard]] static Status openForReading(TextFile& file, const String& path);
+    // Opens a book file (its own, or one imported) for reading. The book
+    // counts as loaded from then on, whether it opened or not; a failure
+    // is recorded in lastError().
+    [[nodiscard]] Status openForReading(TextFile& file, const String& path);
 
     // A title as a file name: characters that cannot stand in a file name
     // here or on other systems replaced or dropped, leading dots and blanks
