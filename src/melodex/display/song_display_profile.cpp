@@ -107,6 +107,18 @@ bool isKey(int key) {
     return key >= 0 && key < 12;
 }
 
+// A per-key default: 0 for a key the table does not reach.
+int perKey(const IntegerArray& table, int key) {
+    return key >= 0 && key < int(table.size()) ? table[std::size_t(key)] : 0;
+}
+
+// Sets a per-key default of a key 0 to 11, growing the table to twelve.
+void setPerKey(IntegerArray& table, int key, int value) {
+    if (!isKey(key)) return;
+    if (table.size() < 12) table.resize(12, 0);
+    table[std::size_t(key)] = value;
+}
+
 }  // namespace
 
 SongDisplayProfile::SongDisplayProfile() {
@@ -247,25 +259,19 @@ void SongDisplayProfile::setKeyName(int key, const String& name) {
 }
 
 int SongDisplayProfile::defaultCapoPosition(int key) const {
-    if (key < 0 || key >= int(m_defaultCapoPositions.size())) return 0;
-    return m_defaultCapoPositions[std::size_t(key)];
+    return perKey(m_defaultCapoPositions, key);
 }
 
 void SongDisplayProfile::defaultCapoPosition(int key, int fret) {
-    if (!isKey(key)) return;
-    if (m_defaultCapoPositions.size() < 12) m_defaultCapoPositions.resize(12, 0);
-    m_defaultCapoPositions[std::size_t(key)] = fret;
+    setPerKey(m_defaultCapoPositions, key, fret);
 }
 
 int SongDisplayProfile::defaultLocalTranspose(int key) const {
-    if (key < 0 || key >= int(m_defaultLocalTransposes.size())) return 0;
-    return m_defaultLocalTransposes[std::size_t(key)];
+    return perKey(m_defaultLocalTransposes, key);
 }
 
 void SongDisplayProfile::defaultLocalTranspose(int key, int semitones) {
-    if (!isKey(key)) return;
-    if (m_defaultLocalTransposes.size() < 12) m_defaultLocalTransposes.resize(12, 0);
-    m_defaultLocalTransposes[std::size_t(key)] = semitones;
+    setPerKey(m_defaultLocalTransposes, key, semitones);
 }
 
 GFont SongDisplayProfile::getFontForSectionType(int sectionType, double scale) const {
